@@ -71,8 +71,8 @@ def heart_outline(middle_x, middle_y, width, height):
 
 def heart_tile(width, full):
     """One heart; the row of lives is a row of these."""
-    border = 7.0
-    outline = heart_outline(width / 2.0, HEIGHT / 2.0, width - 18.0, HEIGHT - 26.0)
+    border = 8.0
+    outline = heart_outline(width / 2.0, HEIGHT / 2.0, width - 11.0, HEIGHT - 30.0)
     rows = []
     for j in range(HEIGHT):
         row = []

@@ -5,7 +5,7 @@
 const float ringsPerUnit = 2.6;
 const float ringWander = 0.55;    // how far a ring strays from its circle, in units
 const vec3 ringStretch = vec3(0.16, 0.55, 0.55);  // strays slowly along the log, faster across it
-const vec3 poreCells = vec3(2.2, 26.0, 26.0);  // a unit: pores are thin and long
+const vec3 poreCells = vec3(2.6, 30.0, 30.0);  // a unit: pores are thin and long
 const float poreShare = 0.35;     // of the cells, that have one
 const float poreDetail = 0.03;    // units a pixel from which on pores are too small to be seen
 
@@ -24,9 +24,10 @@ float woodGrain(vec3 place, float pixelSize)
 
     vec3 cell = floor(place * poreCells);
     vec3 inCell = place * poreCells - cell;
+    vec3 round = inCell * (1.0 - inCell);
     float chance = float(noiseHash(uvec3(ivec3(cell))) & 1023u) / 1023.0;
-    float pore = step(chance, poreShare) * 4.0 * inCell.x * (1.0 - inCell.x);
-    grain += 0.30 * pore * max(1.0 - pixelSize / poreDetail, 0.0);
+    float pore = step(chance, poreShare) * 64.0 * round.x * round.y * round.z;
+    grain += 0.42 * pore * max(1.0 - pixelSize / poreDetail, 0.0);
     return clamp(grain, 0.0, 1.0);
 }
 
