@@ -234,6 +234,8 @@ void Board::onBallContact(const physx::PxContactPairHeader& header,
     float impulse = 0.0f;
     std::vector<physx::PxContactPairPoint> points;
     for (unsigned int i = 0; i < count; ++i) {
+        if (pairs[i].contactCount == 0)
+            continue;
         points.resize(pairs[i].contactCount);
         const physx::PxU32 found =
             pairs[i].extractContacts(points.data(), physx::PxU32(points.size()));
@@ -270,7 +272,8 @@ void Board::onBallTrigger(const physx::PxTriggerPair& pair,
 
 void Board::reset(bool resetBlocks)
 {
-    game()->setPose(id, osg::Matrixd::identity());
+    // A joint does not carry a jump: what is tied to the board has to be put along with it.
+    game()->setPoseWithAttached(id, osg::Matrixd::identity());
     if (!resetBlocks)
         return;
     for (const osg::ref_ptr<Block>& block : blocks)
