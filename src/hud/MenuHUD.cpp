@@ -4,7 +4,7 @@
 #include "hud/MenuItemFolder.h"
 #include "hud/TextHUD.h"
 
-#include <QKeyEvent>
+#include <Leap.h>
 
 namespace {
 
@@ -62,4 +62,10 @@ void MenuHUD::onKeyPress(QKeyEvent* event)
 {
     if (currentFolder)
         currentFolder->onKeyPress(event);
+}
+
+void MenuHUD::onLeapFrame(Leap::Controller controller)
+{
+    if (currentFolder)
+        currentFolder->onLeapFrame(controller);
 }

@@ -2,7 +2,21 @@
 
 #include "hud/MenuHUD.h"
 
+#include <Leap.h>
 #include <QKeyEvent>
+
+namespace {
+
+constexpr float quarterTurn = 1.5707964f;   // pi/2
+constexpr float fullCircleProgress = 0.9f;  // turns; less is a wave of the finger
+
+// The finger points to the side from which the circle is seen clockwise.
+bool isClockwise(const Leap::CircleGesture& circle)
+{
+    return circle.pointable().direction().angleTo(circle.normal()) <= quarterTurn;
+}
+
+}  // namespace
 
 MenuItemFolder::MenuItemFolder(const char* itemName, AbstractMenuItem* itemParent)
     : AbstractMenuItem(itemName, itemParent)
@@ -42,6 +56,26 @@ void MenuItemFolder::onKeyPress(QKeyEvent* event)
         return;
     }
     event->accept();
+}
+
+void MenuItemFolder::onLeapFrame(const Leap::Controller& controller)
+{
+    onGestures(controller.frame(0).gestures());
+}
+
+void MenuItemFolder::onGestures(const Leap::GestureList& gestures)
+{
+    for (int i = 0; i < gestures.count(); ++i) {
+        const Leap::Gesture gesture = gestures[i];
+        if (gesture.type() == Leap::Gesture::TYPE_CIRCLE) {
+            const Leap::CircleGesture circle(gesture);
+            if (gesture.state() == Leap::Gesture::STATE_STOP &&
+                circle.progress() > fullCircleProgress)
+                moveSelection(isClockwise(circle) ? 1 : -1);
+        } else if (gesture.type() == Leap::Gesture::TYPE_SCREEN_TAP) {
+            pickSelected();
+        }
+    }
 }
 
 void MenuItemFolder::moveSelection(int step)

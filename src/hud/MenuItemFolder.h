@@ -7,7 +7,8 @@
 class QKeyEvent;
 namespace Leap {
 class Controller;
-}
+class GestureList;
+}  // namespace Leap
 
 /// The lines of one menu page and the player's way through them. A folder among the lines opens as
 /// a page of its own. Without lines, or before a menu has shown it, there is nothing to pick.
@@ -26,6 +27,8 @@ public:
     /// A circle that ends moves the selection one line, a tap picks. Sensor thread, world lock
     /// held.
     void onLeapFrame(const Leap::Controller& controller);
+    /// The gestures of one frame, all served in their order, even after one has closed the menu.
+    void onGestures(const Leap::GestureList& gestures);
 
     const std::vector<AbstractMenuItem*>& getItems() const { return items; }
     int getSelected() const { return selected; }
