@@ -49,9 +49,14 @@ void GameLoop::unlock()
     instance()->worldMutex.unlock();
 }
 
-void GameLoop::start(GravlinApplication* application)
+void GameLoop::attach(GravlinApplication* application)
 {
     instance()->application = application;
+}
+
+void GameLoop::start(GravlinApplication* application)
+{
+    attach(application);
     instance()->timer.start(int(1000.0f / float(application->frameRate())));
 }
 
