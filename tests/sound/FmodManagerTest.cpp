@@ -82,7 +82,8 @@ TEST_F(FmodManagerDeathTest, SaysNothingMoreInAWholeGameWithoutADevice)
         {
             readAllOutput();
             NoOutput none;
-            auto* scene = new FmodScene;
+            // As in the game, which ends without deleting it.
+            static FmodScene* const scene = new FmodScene;
             for (int i = 1; i <= 8; ++i)
                 scene->loadSound("hit" + std::to_string(i),
                                  "data/Rollix/wood-ball-hit-" + std::to_string(i) + ".mp3");
@@ -117,7 +118,8 @@ TEST_F(FmodManagerDeathTest, ShutsDownWithSoundsLoadedAndPlaying)
         {
             readAllOutput();
             LoopbackOutput output;
-            auto* scene = new FmodScene;
+            // As in the game, which ends without deleting it.
+            static FmodScene* const scene = new FmodScene;
             scene->loadSound("hit1", "data/Rollix/wood-ball-hit-1.mp3");
             scene->playSound("hit1", 1, 1, nullptr);
             output.render(0.1);

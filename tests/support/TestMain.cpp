@@ -1,4 +1,5 @@
 #include <QApplication>
+
 #include <gtest/gtest.h>
 
 /// Every test program owns a QApplication: timers, widgets and file watchers need one.
