@@ -89,7 +89,7 @@ protected:
         EXPECT_EQ(system->init(channelCount, FMOD_INIT_NORMAL, nullptr), FMOD_OK);
     }
 
-    // Before the system, which plays into it.
+    // A member is there before the constructor opens it.
     LoopbackOutput output;
 };
 
