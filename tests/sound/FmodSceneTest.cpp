@@ -1,6 +1,7 @@
 #include "sound/FmodScene.h"
 
 #include "sound/FmodManager.h"
+#include "support/OutputCapture.h"
 #include "support/SoundOutputs.h"
 
 #include <gtest/gtest.h>
@@ -33,20 +34,14 @@ protected:
     {
         FmodManager::system();
         heard(pastTheEnd);
-        testing::internal::CaptureStdout();
-    }
-
-    ~FmodSceneTest() override
-    {
-        scene = nullptr;
-        testing::internal::GetCapturedStdout();
+        said();
     }
 
     /// What the process said since it was asked last.
-    static std::string said()
+    std::string said()
     {
-        std::string text = testing::internal::GetCapturedStdout();
-        testing::internal::CaptureStdout();
+        const std::string text = capture.text().substr(alreadyRead);
+        alreadyRead += text.size();
         return text;
     }
 
@@ -64,6 +59,8 @@ protected:
     }
 
     LoopbackOutput& initializedBeforeTheManager = output();
+    OutputCapture capture;
+    std::size_t alreadyRead = 0;
     osg::ref_ptr<OpenScene> scene = new OpenScene;
 };
 

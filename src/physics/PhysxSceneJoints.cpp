@@ -1,0 +1,259 @@
+#include "physics/PhysxConversions.h"
+#include "physics/PhysxManager.h"
+#include "physics/PhysxMessages.h"
+#include "physics/PhysxScene.h"
+
+#include <algorithm>
+
+using namespace physx;
+
+namespace {
+constexpr float defaultContactDistance = -1.0f;  // asks for PhysX's own
+constexpr float linearContactShare = 0.01f;      // of the world's typical length
+constexpr float coneContactShare = 0.49f;        // of the smaller angle
+constexpr float largestConeContact = 0.1f;       // radians
+constexpr float coneBounceThreshold = 0.5f;      // radians per second
+
+PxRigidDynamic* awakenable(PxRigidActor* actor)
+{
+    PxRigidDynamic* body = actor ? actor->is<PxRigidDynamic>() : nullptr;
+    const bool asleepInScene =
+        body && body->getScene() && !body->getRigidBodyFlags().isSet(PxRigidBodyFlag::eKINEMATIC);
+    return asleepInScene ? body : nullptr;
+}
+
+/// The solver notes one joint a pair of actors when it decides who does not collide with whom. If
+/// the noted one of two goes, the pair collides from its next meeting on, as if there were no
+/// joint left: every other joint of the pair has to be noted anew.
+void renewOtherJointsOf(PxRigidActor* first, PxRigidActor* second)
+{
+    if (!first || !second)
+        return;
+    PxRigidActor* fewer = first->getNbConstraints() < second->getNbConstraints() ? first : second;
+    std::vector<PxConstraint*> constraints(fewer->getNbConstraints());
+    fewer->getConstraints(constraints.data(), static_cast<PxU32>(constraints.size()));
+    for (PxConstraint* constraint : constraints) {
+        PxU32 kind = 0;
+        void* reference = constraint->getExternalReference(kind);
+        if (kind != PxConstraintExtIDs::eJOINT)
+            continue;
+        auto* joint = static_cast<PxJoint*>(reference);
+        PxRigidActor* pair[2];
+        joint->getActors(pair[0], pair[1]);
+        if ((pair[0] != first || pair[1] != second) && (pair[0] != second || pair[1] != first))
+            continue;
+        // Setting the same two again would be taken for no change.
+        PxRigidActor* movable = pair[0]->is<PxRigidDynamic>() ? pair[0] : pair[1];
+        joint->setActors(movable == pair[0] ? movable : nullptr,
+                         movable == pair[1] ? movable : nullptr);
+        joint->setActors(pair[0], pair[1]);
+    }
+}
+
+void releaseJoint(PxJoint& joint)
+{
+    PxRigidActor* pair[2];
+    joint.getActors(pair[0], pair[1]);
+    joint.release();
+    renewOtherJointsOf(pair[0], pair[1]);
+}
+}  // namespace
+
+PxJoint* PhysxScene::findJoint(unsigned int jointId)
+{
+    const auto found = joints.find(jointId);
+    if (found == joints.end()) {
+        say("I do not know a joint with id ", jointId);
+        return nullptr;
+    }
+    return found->second;
+}
+
+template <typename Joint>
+Joint* PhysxScene::findJointOf(unsigned int jointId, const char* kind, const char* complaint)
+{
+    PxJoint* joint = findJoint(jointId);
+    Joint* result = joint ? joint->is<Joint>() : nullptr;
+    if (joint && !result)
+        say("Joint ", jointId, " is not a ", kind, " joint! ", complaint);
+    return result;
+}
+
+bool PhysxScene::createJoint(unsigned int jointId, unsigned int actorA, const osg::Matrixd& frameA,
+                             unsigned int actorB, const osg::Matrixd& frameB,
+                             const JointCreator& create)
+{
+    const auto actorOrWorld = [this](unsigned int id) {
+        const auto found = actors.find(id);
+        return found == actors.end() ? nullptr : found->second;
+    };
+    PxRigidActor* first = actorOrWorld(actorA);
+    PxRigidActor* second = actorOrWorld(actorB);
+    if (first == second) {
+        say("I cannot create a joint between an object and itself!");
+        return false;
+    }
+    // PhysX would refuse a joint of two things that cannot move, were its checks not compiled out.
+    PxJoint* joint = nullptr;
+    if ((first && first->is<PxRigidDynamic>()) || (second && second->is<PxRigidDynamic>()))
+        joint = create(first, toPxTransform(frameA), second, toPxTransform(frameB));
+    if (!joint) {
+        say("Failed to create joint ", jointId);
+        return false;
+    }
+    joint->setConstraintFlag(PxConstraintFlag::eVISUALIZATION, true);
+
+    PxJoint*& entry = joints[jointId];
+    if (entry)
+        namelessJoints.insert(entry);
+    entry = joint;
+    return true;
+}
+
+bool PhysxScene::createSphericalJoint(unsigned int jointId, unsigned int actorA,
+                                      const osg::Matrixd& frameA, unsigned int actorB,
+                                      const osg::Matrixd& frameB)
+{
+    return createJoint(
+        jointId, actorA, frameA, actorB, frameB,
+        [](PxRigidActor* a, const PxTransform& inA, PxRigidActor* b, const PxTransform& inB) {
+            return PxSphericalJointCreate(*PhysxManager::physics(), a, inA, b, inB);
+        });
+}
+
+bool PhysxScene::createDistanceJoint(unsigned int jointId, unsigned int actorA,
+                                     const osg::Matrixd& frameA, unsigned int actorB,
+                                     const osg::Matrixd& frameB)
+{
+    return createJoint(
+        jointId, actorA, frameA, actorB, frameB,
+        [](PxRigidActor* a, const PxTransform& inA, PxRigidActor* b, const PxTransform& inB) {
+            return PxDistanceJointCreate(*PhysxManager::physics(), a, inA, b, inB);
+        });
+}
+
+bool PhysxScene::createFixedJoint(unsigned int jointId, unsigned int actorA,
+                                  const osg::Matrixd& frameA, unsigned int actorB,
+                                  const osg::Matrixd& frameB)
+{
+    return createJoint(
+        jointId, actorA, frameA, actorB, frameB,
+        [](PxRigidActor* a, const PxTransform& inA, PxRigidActor* b, const PxTransform& inB) {
+            return PxFixedJointCreate(*PhysxManager::physics(), a, inA, b, inB);
+        });
+}
+
+bool PhysxScene::createD6Joint(unsigned int jointId, unsigned int actorA,
+                               const osg::Matrixd& frameA, unsigned int actorB,
+                               const osg::Matrixd& frameB)
+{
+    return createJoint(
+        jointId, actorA, frameA, actorB, frameB,
+        [](PxRigidActor* a, const PxTransform& inA, PxRigidActor* b, const PxTransform& inB) {
+            return PxD6JointCreate(*PhysxManager::physics(), a, inA, b, inB);
+        });
+}
+
+void PhysxScene::removeJoint(unsigned int jointId)
+{
+    PxJoint* joint = findJoint(jointId);
+    if (!joint)
+        return;
+    namelessJoints.insert(joint);
+    joints.erase(jointId);
+    postTask([this, joint] {
+        namelessJoints.erase(joint);
+        releaseJoint(*joint);
+    });
+}
+
+void PhysxScene::driveJoint(unsigned int jointId, const osg::Matrixd& target,
+                            const osg::Vec3f& linearVelocity, const osg::Vec3f& angularVelocity)
+{
+    PxJoint* joint = findJoint(jointId);
+    if (!joint)
+        return;
+    auto* d6 = joint->is<PxD6Joint>();
+    if (!d6) {
+        say("Joint ", jointId, " is not a D6 joint but a ", joint->getConcreteTypeName(),
+            "! He cannot drive.");
+        return;
+    }
+    postTask([d6, pose = toPxTransform(target), linear = toPxVec3(linearVelocity),
+              angular = toPxVec3(angularVelocity)] {
+        d6->setDrivePosition(pose);
+        d6->setDriveVelocity(linear, angular);
+        // A changed target alone leaves a sleeping body asleep.
+        PxRigidActor* pair[2];
+        d6->getActors(pair[0], pair[1]);
+        for (PxRigidActor* actor : pair)
+            if (PxRigidDynamic* body = awakenable(actor))
+                body->wakeUp();
+    });
+}
+
+bool PhysxScene::setD6Drive(unsigned int jointId, unsigned int driveIndex, float stiffness,
+                            float damping, float forceLimit, bool acceleration)
+{
+    auto* joint = findJointOf<PxD6Joint>(jointId, "D6", "He cannot have a D6 drive.");
+    if (!joint)
+        return false;
+    joint->setDrive(static_cast<PxD6Drive::Enum>(driveIndex),
+                    PxD6JointDrive(stiffness, damping, forceLimit, acceleration));
+    return true;
+}
+
+bool PhysxScene::setD6Motion(unsigned int jointId, unsigned int axis, unsigned int motion,
+                             float limit, float contactDistance)
+{
+    auto* joint = findJointOf<PxD6Joint>(jointId, "D6", "He cannot have a D6 joint limit.");
+    if (!joint)
+        return false;
+    joint->setMotion(static_cast<PxD6Axis::Enum>(axis), static_cast<PxD6Motion::Enum>(motion));
+    if (motion == PxD6Motion::eLIMITED) {
+        const PxTolerancesScale scale = PhysxManager::physics()->getTolerancesScale();
+        PxJointLinearLimit linear(scale, limit);
+        linear.contactDistance_deprecated = contactDistance == defaultContactDistance
+                                                ? linearContactShare * scale.length
+                                                : contactDistance;
+        joint->setDistanceLimit(linear);
+    }
+    return true;
+}
+
+bool PhysxScene::setDistanceLimit(unsigned int jointId, float minDistance, float maxDistance,
+                                  float tolerance, float stiffness)
+{
+    auto* joint =
+        findJointOf<PxDistanceJoint>(jointId, "distance", "He cannot have a distance joint limit.");
+    if (!joint)
+        return false;
+    joint->setMinDistance(minDistance);
+    joint->setDistanceJointFlag(PxDistanceJointFlag::eMIN_DISTANCE_ENABLED, minDistance >= 0.0f);
+    // From the maximum on this solver lets nothing stretch further, and only takes the tolerance
+    // off the pull back. The joint is to be slack until both are used up: the board hangs on four
+    // whose stretch passes the maximum in play, and which would stall it at ten degrees.
+    joint->setMaxDistance(maxDistance + tolerance);
+    joint->setDistanceJointFlag(PxDistanceJointFlag::eMAX_DISTANCE_ENABLED, maxDistance >= 0.0f);
+    joint->setTolerance(tolerance);
+    joint->setStiffness(stiffness);
+    return true;
+}
+
+bool PhysxScene::setSphericalLimit(unsigned int jointId, float yAngle, float zAngle,
+                                   float contactDistance)
+{
+    auto* joint = findJointOf<PxSphericalJoint>(jointId, "spherical",
+                                                "He cannot have a spherical joint limit.");
+    if (!joint)
+        return false;
+    const float contact =
+        contactDistance == defaultContactDistance
+            ? std::min(largestConeContact, std::min(yAngle, zAngle) * coneContactShare)
+            : contactDistance;
+    PxJointLimitCone cone(yAngle, zAngle, contact);
+    cone.bounceThreshold = coneBounceThreshold;
+    joint->setLimitCone(cone);
+    joint->setSphericalJointFlag(PxSphericalJointFlag::eLIMIT_ENABLED, true);
+    return true;
+}
