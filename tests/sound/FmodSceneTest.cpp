@@ -8,6 +8,8 @@
 #include <osg/ref_ptr>
 
 #include <cmath>
+#include <cstdio>
+#include <memory>
 #include <string>
 
 namespace {
@@ -37,10 +39,20 @@ protected:
         said();
     }
 
+    ~FmodSceneTest() override
+    {
+        scene = nullptr;
+        // A failure's report went the way of all output.
+        const std::string text = capture->text();
+        capture = nullptr;
+        if (HasFailure())
+            std::fputs(text.c_str(), stdout);
+    }
+
     /// What the process said since it was asked last.
     std::string said()
     {
-        const std::string text = capture.text().substr(alreadyRead);
+        const std::string text = capture->text().substr(alreadyRead);
         alreadyRead += text.size();
         return text;
     }
@@ -59,7 +71,7 @@ protected:
     }
 
     LoopbackOutput& initializedBeforeTheManager = output();
-    OutputCapture capture;
+    std::unique_ptr<OutputCapture> capture = std::make_unique<OutputCapture>();
     std::size_t alreadyRead = 0;
     osg::ref_ptr<OpenScene> scene = new OpenScene;
 };
