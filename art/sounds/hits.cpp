@@ -22,7 +22,8 @@ constexpr double fade = 0.06;         // s at the end, down to nothing
 constexpr double peak = 0.8;          // of full scale; the coder overshoots by less than the rest
 constexpr double highestMode = 9000;  // Hz; above that a push of wood on wood excites nothing
 
-// Along the grain spruce is some three times as stiff as across it in its bending waves' terms.
+// The long side lies along the grain. The wood is stiffer that way, yet the length wins: a wave
+// takes longer from end to end than from side to side.
 constexpr double alongGrain = 62;       // Hz, times the square of the number of bellies
 constexpr double acrossGrain = 91;      // Hz, ditto
 constexpr double internalLoss = 0.021;  // of the energy, a radian: wood
