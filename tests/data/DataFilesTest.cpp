@@ -129,7 +129,7 @@ TEST(ScorePictures, AreTransparentAroundAndOfSizesThatNeedNoScaling)
 
 TEST(TextFont, HasEveryLetterThatTheGameWrites)
 {
-    const QRawFont font("data/Bevan.ttf", 30.0);
+    const QRawFont font(QString("data/Bevan.ttf"), 30.0);
     ASSERT_TRUE(font.isValid());
     EXPECT_EQ(font.familyName(), "Bevan");
     const QString written = "Not even close... Well Done! Restart Next Level Previous Level "
