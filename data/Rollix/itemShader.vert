@@ -1,0 +1,27 @@
+#version 150 compatibility
+// What floats above an item block: copies of a model and their plus or minus sign.
+
+uniform vec3 a_ItemDisplace;  // where a copy hovers, in the frame that all copies share; zero for one alone
+uniform float osg_SimulationTime;
+
+//HOTSPOT_PRE_MAIN
+
+const float turnSpeed = 1.6;     // radians a second
+const float signSway = 0.45;     // radians, either way
+const float floatHeight = 0.12;  // either way, in the items' frame, five times smaller than a cell
+const float floatSpeed = 2.2;    // radians a second
+
+void main()
+{
+    //HOTSPOT_START_MAIN
+    // Copies turn, each about its own middle; the sign, the one thing that stands to the left, only sways:
+    // edge-on it could not be read.
+    float angle = a_ItemDisplace.x < 0.0 ? signSway * sin(turnSpeed * osg_SimulationTime)
+                                         : turnSpeed * osg_SimulationTime;
+    mat3 turn = rotation(vec3(0.0, 0.0, 1.0), angle);
+    vec3 position = turn * gl_Vertex.xyz + a_ItemDisplace;
+    position.z += floatHeight * sin(floatSpeed * osg_SimulationTime + a_ItemDisplace.y);
+
+    phongAt(vec4(position, 1.0), turn * gl_Normal);
+    gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
+}

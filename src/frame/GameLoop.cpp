@@ -1,0 +1,178 @@
+#include "frame/GameLoop.h"
+
+#include "game/GravlinApplication.h"
+#include "sound/FmodManager.h"
+
+#include <fmod.hpp>
+#include <osg/FrameStamp>
+#include <osgViewer/ViewerBase>
+
+#include <limits>
+
+namespace {
+
+// A plain pointer and flag: the loop is first reached from the game's constructor, before there is
+// a second thread, and it stays until the process ends.
+GameLoop* loop = nullptr;
+bool created = false;
+
+int wholeIntervals(double now, double interval)
+{
+    return int(now / interval);
+}
+
+}  // namespace
+
+GameLoop::GameLoop()
+{
+    connect(&timer, &QTimer::timeout, this, &GameLoop::tick);
+}
+
+GameLoop* GameLoop::instance()
+{
+    if (!created) {
+        loop = new GameLoop;
+        created = true;
+    }
+    return loop;
+}
+
+void GameLoop::lock()
+{
+    instance()->worldMutex.lock();
+}
+
+void GameLoop::unlock()
+{
+    instance()->worldMutex.unlock();
+}
+
+void GameLoop::attach(GravlinApplication* application)
+{
+    instance()->application = application;
+}
+
+void GameLoop::start(GravlinApplication* application)
+{
+    attach(application);
+    instance()->timer.start(int(1000.0f / float(application->frameRate())));
+}
+
+void GameLoop::pause()
+{
+    instance()->paused = true;
+}
+
+void GameLoop::resume()
+{
+    instance()->paused = false;
+}
+
+bool GameLoop::isPaused()
+{
+    return instance()->paused;
+}
+
+void GameLoop::addFrameTask(Task* task)
+{
+    GameLoop* self = instance();
+    self->queueCommand([self, task] { self->frameTasks.insert(task); });
+}
+
+void GameLoop::removeFrameTask(Task* task)
+{
+    GameLoop* self = instance();
+    self->queueCommand([self, task] { self->frameTasks.erase(task); });
+}
+
+void GameLoop::addIntervalTask(Task* task, double intervalSeconds)
+{
+    GameLoop* self = instance();
+    self->queueCommand([self, task, intervalSeconds] {
+        self->intervalTasks.insert(intervalSeconds, task);
+        // Counting starts now, so that the first run comes at the next whole multiple.
+        self->intervalCounts[intervalSeconds] =
+            wholeIntervals(frameStamp()->getSimulationTime(), intervalSeconds);
+    });
+}
+
+void GameLoop::removeIntervalTask(Task* task, double intervalSeconds)
+{
+    GameLoop* self = instance();
+    self->queueCommand(
+        [self, task, intervalSeconds] { self->intervalTasks.remove(intervalSeconds, task); });
+}
+
+osg::FrameStamp* GameLoop::frameStamp()
+{
+    return instance()->application->getFrameStamp();
+}
+
+std::size_t GameLoop::frameTaskCount()
+{
+    return instance()->frameTasks.size();
+}
+
+std::size_t GameLoop::intervalTaskCount()
+{
+    return std::size_t(instance()->intervalTasks.size());
+}
+
+void GameLoop::tick()
+{
+    if (!application)
+        return;
+    lock();
+    FmodManager::system()->update();
+    runCommands();
+    if (!paused)
+        advanceWorld();
+    application->getViewerBase()->frame(std::numeric_limits<double>::max());
+    unlock();
+}
+
+void GameLoop::queueCommand(const std::function<void()>& command)
+{
+    commandMutex.lock();
+    commandQueue.push_back(command);
+    commandMutex.unlock();
+}
+
+void GameLoop::runCommands()
+{
+    commandMutex.lock();
+    while (!commandQueue.empty()) {
+        commandQueue.front()();
+        commandQueue.pop_front();
+    }
+    commandMutex.unlock();
+}
+
+void GameLoop::advanceWorld()
+{
+    runFrameTasks();
+    runIntervalTasks();
+    application->update();
+    application->step(double(application->timeStep()));
+    application->syncTransforms();
+}
+
+void GameLoop::runFrameTasks()
+{
+    for (Task* task : frameTasks)
+        (*task)();
+}
+
+void GameLoop::runIntervalTasks()
+{
+    const double now = frameStamp()->getSimulationTime();
+    for (auto& [interval, count] : intervalCounts) {
+        const int ticks = wholeIntervals(now, interval);
+        if (ticks <= count)
+            continue;
+        count = ticks;
+        for (auto entry = intervalTasks.constFind(interval);
+             entry != intervalTasks.constEnd() && entry.key() == interval; ++entry)
+            (*entry.value())();
+    }
+}

@@ -1,0 +1,114 @@
+#include "frame/OsgViewerWidget.h"
+
+#include "frame/KeyListener.h"
+#include "frame/MouseListener.h"
+#include "platform/osgqt/GraphicsWindowQt.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWheelEvent>
+
+#include <limits>
+
+namespace {
+
+/// Offers `event` to the listeners in order until one accepts it.
+template <typename Listener, typename Event>
+void offer(const std::list<Listener*>& listeners, void (Listener::*handler)(Event*), Event* event)
+{
+    event->ignore();
+    for (Listener* listener : listeners) {
+        if (event->isAccepted())
+            return;
+        (listener->*handler)(event);
+    }
+}
+
+}  // namespace
+
+OsgViewerWidget::OsgViewerWidget()
+    : osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false), osgViewer::CompositeViewer()
+{
+    setWindowTitle("Rollix");
+    setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
+    setKeyEventSetsDone(0);
+
+    osg::ref_ptr<osgQt::GraphicsWindowQt> window = new osgQt::GraphicsWindowQt(this);
+    window->getState()->setUseModelViewAndProjectionUniforms(true);
+    window->getState()->setUseVertexAttributeAliasing(true);
+}
+
+OsgViewerWidget::~OsgViewerWidget()
+{
+    mouseListeners.clear();
+    keyListeners.clear();
+}
+
+void OsgViewerWidget::addKeyListener(KeyListener* listener)
+{
+    keyListeners.push_back(listener);
+}
+
+void OsgViewerWidget::addMouseListener(MouseListener* listener)
+{
+    mouseListeners.push_back(listener);
+}
+
+void OsgViewerWidget::paintEvent(QPaintEvent*)
+{
+    frame(std::numeric_limits<double>::max());
+}
+
+void OsgViewerWidget::keyPressEvent(QKeyEvent* event)
+{
+    osgQt::GLWidget::keyPressEvent(event);
+    offer(keyListeners, &KeyListener::keyPressEvent, event);
+}
+
+void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
+{
+    osgQt::GLWidget::keyReleaseEvent(event);
+    event->ignore();
+    if (event->key() == Qt::Key_F11) {
+        // A key that is held down repeats; only its true release toggles.
+        if (!event->isAutoRepeat()) {
+            if (isFullScreen())
+                showNormal();
+            else
+                showFullScreen();
+        }
+        event->accept();
+        return;
+    }
+    offer(keyListeners, &KeyListener::keyReleaseEvent, event);
+}
+
+void OsgViewerWidget::mousePressEvent(QMouseEvent* event)
+{
+    osgQt::GLWidget::mousePressEvent(event);
+    offer(mouseListeners, &MouseListener::mousePressEvent, event);
+}
+
+void OsgViewerWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    osgQt::GLWidget::mouseReleaseEvent(event);
+    offer(mouseListeners, &MouseListener::mouseReleaseEvent, event);
+}
+
+void OsgViewerWidget::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    osgQt::GLWidget::mouseDoubleClickEvent(event);
+    offer(mouseListeners, &MouseListener::mouseDoubleClickEvent, event);
+}
+
+void OsgViewerWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    osgQt::GLWidget::mouseMoveEvent(event);
+    offer(mouseListeners, &MouseListener::mouseMoveEvent, event);
+}
+
+void OsgViewerWidget::wheelEvent(QWheelEvent* event)
+{
+    osgQt::GLWidget::wheelEvent(event);
+    offer(mouseListeners, &MouseListener::wheelEvent, event);
+}

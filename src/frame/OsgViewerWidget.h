@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/osgqt/GLWidget.h"
+
+#include <osgViewer/CompositeViewer>
+
+#include <list>
+
+class KeyListener;
+class MouseListener;
+
+/// The program's one window: an OpenGL widget that is at the same time an OpenSceneGraph viewer.
+/// It draws the views that are added to it on the main thread, and passes key and mouse events on
+/// to listeners. F11 belongs to the window itself: it toggles full screen.
+class OsgViewerWidget : public osgQt::GLWidget, public osgViewer::CompositeViewer
+{
+    Q_OBJECT
+
+public:
+    OsgViewerWidget();
+    ~OsgViewerWidget() override;
+
+    /// Appends; a listener added twice stands twice. Listeners are not owned.
+    void addKeyListener(KeyListener* listener);
+    void addMouseListener(MouseListener* listener);
+
+protected:
+    /// Renders one frame outside the tick, for an expose or a resize.
+    void paintEvent(QPaintEvent* event) override;
+
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    std::list<KeyListener*> keyListeners;
+    std::list<MouseListener*> mouseListeners;
+};

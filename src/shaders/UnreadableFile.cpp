@@ -1,0 +1,16 @@
+#include "shaders/UnreadableFile.h"
+
+#include <iostream>
+#include <mutex>
+#include <set>
+
+void reportUnreadable(const std::string& what, const std::string& path,
+                      const std::string& consequence)
+{
+    static std::mutex mutex;
+    static std::set<std::string> reported;
+    std::lock_guard<std::mutex> lock(mutex);
+    if (reported.insert(path).second)
+        std::cout << "I cannot read the " << what << " " << path << ". " << consequence
+                  << std::endl;
+}
