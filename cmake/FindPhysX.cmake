@@ -1,6 +1,6 @@
 # Finds the PhysX SDK: under PhysX_ROOT if that is given, else in the cache that
 # third_party/physx/build fills. Defines the target PhysX::PhysX.
-if(DEFINED ENV{XDG_CACHE_HOME})
+if(NOT "$ENV{XDG_CACHE_HOME}" STREQUAL "")
     set(_physx_cache "$ENV{XDG_CACHE_HOME}/rollix/physx-5.1.3")
 else()
     set(_physx_cache "$ENV{HOME}/.cache/rollix/physx-5.1.3")

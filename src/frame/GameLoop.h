@@ -11,8 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace osg
-{
+namespace osg {
 class FrameStamp;
 }
 
@@ -34,7 +33,9 @@ public:
     static void lock();
     static void unlock();
 
-    /// Stores the application (not owned) and starts the timer at its frame rate.
+    /// Stores the application (not owned); ticks then come from whoever calls tick().
+    static void attach(GravlinApplication* application);
+    /// Attaches the application and starts the timer at its frame rate.
     static void start(GravlinApplication* application);
 
     /// A paused loop goes on with sound, registrations and rendering, and with nothing else.
@@ -52,7 +53,8 @@ public:
     static void addIntervalTask(Task* task, double intervalSeconds);
     static void removeIntervalTask(Task* task, double intervalSeconds);
 
-    /// The clock of the application's view, simulation time in seconds. Valid after `start`.
+    /// The clock of the application's view, simulation time in seconds. Valid once an
+    /// application is attached.
     static osg::FrameStamp* frameStamp();
 
     /// What is registered as of the last tick. Main thread.
@@ -60,7 +62,7 @@ public:
     static std::size_t intervalTaskCount();
 
     /// One frame, in order: sound, registrations, tasks, game, physics, transforms, rendering. Main
-    /// thread; holds the world lock throughout. Does nothing before `start`.
+    /// thread; holds the world lock throughout. Does nothing without an application.
     void tick();
 
 private:

@@ -1,7 +1,7 @@
 #include "shaders/FileAssociatedAsset.h"
 
-#include "support/CapturedOutput.h"
 #include "support/EventLoop.h"
+#include "support/OutputCapture.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -78,7 +78,7 @@ protected:
         return new TestAsset(std::move(reaction));
     }
 
-    static bool hearsNotice(const CapturedOutput& output, const std::string& path, int times = 1)
+    static bool hearsNotice(const OutputCapture& output, const std::string& path, int times = 1)
     {
         return waitUntil([&] { return output.count(path + " was changed\n") >= times; });
     }
@@ -86,7 +86,7 @@ protected:
     // The notices of the files' removal belong to no later test.
     void TearDown() override
     {
-        CapturedOutput output;
+        OutputCapture output;
         directory.remove();
         QCoreApplication::processEvents();
     }
@@ -112,7 +112,7 @@ TEST_F(FileAssociatedAssetTest, TellsAllAssetsOfAFileTheNewestFirst)
     auto newer = makesAsset([&](const std::string& changed) { heard.push_back("new " + changed); });
     older->watchFile(path);
     newer->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     appendsTo(path);
 
@@ -128,7 +128,7 @@ TEST_F(FileAssociatedAssetTest, PrintsTheLineAndCallsNobodyAfterTheLastUnwatch)
     auto asset = makesAsset();
     asset->watchFile(path);
     asset->unwatchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     appendsTo(path);
 
@@ -142,7 +142,7 @@ TEST_F(FileAssociatedAssetTest, PassesOverAFileThatDoesNotExist)
     const std::string present = writesFile("present.glsl");
     auto asset = makesAsset();
     auto witness = makesAsset();
-    CapturedOutput output;
+    OutputCapture output;
     asset->watchFile(absent);
     witness->watchFile(present);
 
@@ -159,7 +159,7 @@ TEST_F(FileAssociatedAssetTest, CallsTwiceForAFileThatIsWatchedTwiceAndOneUnwatc
     auto asset = makesAsset();
     asset->watchFile(path);
     asset->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     appendsTo(path);
     ASSERT_TRUE(hearsNotice(output, path));
@@ -181,7 +181,7 @@ TEST_F(FileAssociatedAssetTest, KeepsOtherPathsAndOtherAssetsAtAnUnwatch)
     leaves->watchFile(two);
     stays->watchFile(one);
     leaves->unwatchFile(one);
-    CapturedOutput output;
+    OutputCapture output;
 
     appendsTo(one);
     ASSERT_TRUE(hearsNotice(output, one));
@@ -198,7 +198,7 @@ TEST_F(FileAssociatedAssetTest, HearsEverySaveThatRenamesANewFileOverTheOld)
     const std::string path = writesFile("renamed.glsl");
     auto asset = makesAsset();
     asset->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     for (int save = 1; save <= 4; ++save) {
         SCOPED_TRACE(save);
@@ -214,7 +214,7 @@ TEST_F(FileAssociatedAssetTest, FollowsTheNameWhenTheOldFileLivesOnUnderAnother)
     ASSERT_EQ(std::system(("ln " + path + " " + path + "~").c_str()), 0);
     auto asset = makesAsset();
     asset->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     replaces(path);
     ASSERT_TRUE(waitUntil([&] { return asset->calls > 0; }));
@@ -229,7 +229,7 @@ TEST_F(FileAssociatedAssetTest, HearsOfAFileThatComesBackAfterItWasAway)
     const std::string path = writesFile("away.glsl");
     auto asset = makesAsset();
     asset->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     for (int round = 1; round <= 2; ++round) {
         SCOPED_TRACE(round);
@@ -255,7 +255,7 @@ TEST_F(FileAssociatedAssetTest, LetsANoticeDestroyTheNextAsset)
     victim->watchFile(path);
     auto killer = makesAsset([&](const std::string&) { victim = nullptr; });
     killer->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
 
     appendsTo(path);
 
@@ -269,7 +269,7 @@ TEST_F(FileAssociatedAssetTest, AcceptsAssetsOfAnotherThreadWhileFilesAreSaved)
     const std::string path = writesFile("crowd.glsl");
     auto witness = makesAsset();
     witness->watchFile(path);
-    CapturedOutput output;
+    OutputCapture output;
     std::atomic<bool> stop{false};
     std::thread other([&] {
         while (!stop) {

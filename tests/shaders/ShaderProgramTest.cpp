@@ -1,7 +1,7 @@
 #include "shaders/ShaderProgram.h"
 
-#include "support/CapturedOutput.h"
 #include "support/EventLoop.h"
+#include "support/OutputCapture.h"
 #include "support/OffscreenView.h"
 
 #include <QFile>
@@ -49,7 +49,7 @@ protected:
     // The notices of the files' removal belong to no later test.
     void TearDown() override
     {
-        CapturedOutput output;
+        OutputCapture output;
         directory.remove();
         QCoreApplication::processEvents();
     }
@@ -65,7 +65,7 @@ using CodeFileInjection = ShaderProgram::CodeFileInjection;
 
 TEST_F(ShaderProgramTest, ReadsAWholeTextFileAndNothingFromAnAbsentOne)
 {
-    CapturedOutput output;
+    OutputCapture output;
     const std::string text(5000, 'x');
     EXPECT_EQ(readTextFile(writesFile("long.txt", text)).toStdString(), text);
     EXPECT_EQ(readTextFile(pathOf("absent.txt")), QString());
@@ -167,7 +167,7 @@ TEST_F(ShaderProgramTest, HoldsNewCodeBackWithoutNotice)
     osg::ref_ptr<Shader> stage = new Shader(writesFile("e.frag", "//X\n"), osg::Shader::FRAGMENT);
     osg::ref_ptr<CodeInjection> injection = new CodeInjection("old", "//X");
     stage->addInjection(injection);
-    CapturedOutput output;
+    OutputCapture output;
 
     injection->setCode("new", false);
     EXPECT_EQ(injection->code(), "new");
@@ -184,7 +184,7 @@ TEST_F(ShaderProgramTest, AnnouncesNewCodeAndEveryStageThatUsesIt)
     osg::ref_ptr<Shader> stage = new Shader(writesFile("f.frag", "//X\n"), osg::Shader::FRAGMENT);
     osg::ref_ptr<CodeInjection> injection = new CodeInjection("old", "//X");
     stage->addInjection(injection);
-    CapturedOutput output;
+    OutputCapture output;
 
     injection->setCode("new", true);
 
@@ -198,7 +198,7 @@ TEST_F(ShaderProgramTest, ReloadsAStageWhenItsFileIsSaved)
     osg::ref_ptr<Shader> vertex = new Shader(writesFile("g.vert", "old"), osg::Shader::VERTEX);
     osg::ref_ptr<Shader> geometry =
         new Shader(writesFile("g.geom", "other"), osg::Shader::GEOMETRY);
-    CapturedOutput output;
+    OutputCapture output;
 
     savesFile("g.vert", "new");
 
@@ -221,7 +221,7 @@ TEST_F(ShaderProgramTest, ReloadsEveryStageThatPastesASavedFileAndNoOther)
     one->addFileInjection(shared, "//X");
     two->addFileInjection(shared, "//X");
     alone->addCodeInjection("own", "//X");
-    CapturedOutput output;
+    OutputCapture output;
 
     savesFile("shared.glsl", "new");
 
@@ -242,7 +242,7 @@ TEST_F(ShaderProgramTest, WatchesAPastedFileUntilItsLastStageGoes)
     osg::ref_ptr<Shader> two = new Shader(writesFile("h2.frag", "//X\n"), osg::Shader::FRAGMENT);
     one->addInjection(injection);
     two->addInjection(injection);
-    CapturedOutput output;
+    OutputCapture output;
 
     one = nullptr;
     savesFile("last.glsl", "second");
@@ -261,7 +261,7 @@ TEST_F(ShaderProgramTest, DoesNotHearOfAPastedFileBeforeAStageUsesIt)
     const std::string shared = writesFile("unused.glsl", "old");
     osg::ref_ptr<CodeFileInjection> injection = new CodeFileInjection(shared, "//X");
     osg::ref_ptr<Shader> witness = new Shader(shared, osg::Shader::VERTEX);
-    CapturedOutput output;
+    OutputCapture output;
 
     savesFile("unused.glsl", "new");
 
@@ -274,7 +274,7 @@ TEST_F(ShaderProgramTest, ReportsAnUnreadableFileOnceAndComesToLifeWhenItIsThere
     const std::string absent = pathOf("absent.vert");
     const std::string line =
         "I cannot read the shader " + absent + ". What it colours looks odd now.\n";
-    CapturedOutput output;
+    OutputCapture output;
 
     osg::ref_ptr<Shader> stage = new Shader(absent, osg::Shader::VERTEX);
     osg::ref_ptr<Shader> another = new Shader(absent, osg::Shader::VERTEX);
@@ -346,7 +346,7 @@ protected:
 
 TEST_F(ShaderDrawTest, DrawsTheNewColourAfterAPastedFileWasSaved)
 {
-    CapturedOutput output;
+    OutputCapture output;
     ASSERT_EQ(drawnColour(), red);
     savesAndWaits("colour.glsl", "vec4 colour() { return vec4(0, 1, 0, 1); }");
     EXPECT_EQ(drawnColour(), green);
@@ -354,7 +354,7 @@ TEST_F(ShaderDrawTest, DrawsTheNewColourAfterAPastedFileWasSaved)
 
 TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAFragmentStageWasMended)
 {
-    CapturedOutput output;
+    OutputCapture output;
     ASSERT_EQ(drawnColour(), red);
     savesAndWaits("draw.frag", "#version 150 compatibility\nvoid main() { this is wrong }\n");
     EXPECT_NE(drawnColour(), red);
@@ -366,7 +366,7 @@ TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAFragmentStageWasMended)
 
 TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAPastedFileWasMended)
 {
-    CapturedOutput output;
+    OutputCapture output;
     ASSERT_EQ(drawnColour(), red);
     savesAndWaits("colour.glsl", "vec4 colour( { return 1; }");
     EXPECT_NE(drawnColour(), red);
@@ -376,7 +376,7 @@ TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAPastedFileWasMended)
 
 TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAVertexStageWasMended)
 {
-    CapturedOutput output;
+    OutputCapture output;
     ASSERT_EQ(drawnColour(), red);
     savesAndWaits("draw.vert", "#version 150 compatibility\nvoid main() { gl_Position = 7; }\n");
     drawnColour();
@@ -386,7 +386,7 @@ TEST_F(ShaderDrawTest, DrawsAgainAfterAnErrorInAVertexStageWasMended)
 
 TEST_F(ShaderDrawTest, MendsEveryProgramThatSharesTheStage)
 {
-    CapturedOutput output;
+    OutputCapture output;
     osg::ref_ptr<osg::Geode> twin = new osg::Geode;
     twin->addDrawable(osg::createTexturedQuadGeometry({0, 0, 0}, {1, 0, 0}, {0, 1, 0}));
     osg::ref_ptr<ShaderProgram> twinProgram = new ShaderProgram(twin);

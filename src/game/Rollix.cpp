@@ -1,0 +1,339 @@
+#include "game/Rollix.h"
+
+#include "frame/GameLoop.h"
+#include "frame/OsgViewerWidget.h"
+#include "hand/HandCamera.h"
+#include "hand/LeapManager.h"
+#include "hud/MenuHUD.h"
+#include "hud/MenuItemAction.h"
+#include "hud/MenuItemFolder.h"
+#include "hud/TextHUD.h"
+#include "level/Ball.h"
+#include "level/Board.h"
+#include "level/FilterGroups.h"
+#include "level/Ground.h"
+#include "level/Level.h"
+#include "platform/osgqt/GraphicsWindowQt.h"
+
+#include <QKeyEvent>
+#include <osg/Uniform>
+
+namespace {
+
+constexpr float secondsPerTick = 0.033333335f;  // 1/30
+constexpr int hitSounds = 8;
+constexpr unsigned int forceModeVelocityChange = 2;
+
+// The camera's circle around the board, in world units and radians.
+constexpr float cameraHeight = 30.0f;
+constexpr float cameraDistance = 25.0f;
+constexpr float cameraAngle = 3.1415927f;
+const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
+
+const osg::Vec3f gravity(0.0f, 0.0f, -9.81f);
+const osg::Vec3f lightPosition(8.0f, -8.0f, 16.0f);
+const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
+
+const osg::Vec4f goodNews(0.0f, 0.9f, 0.0f, 1.0f);
+const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
+
+}  // namespace
+
+Rollix::Rollix(OsgViewerWidget* widget)
+{
+    GameLoop::lock();
+    setUpCamera(widget);
+    createWorld();
+    loadLevel(0);
+    setSceneData(sceneRoot);
+    createHandCamera();
+    LeapManager::setListener(this);
+    widget->addKeyListener(this);
+    loadSounds();
+    createMenus();
+    createMessageText();
+    state = GameState::WaitingForRest;
+    GameLoop::unlock();
+}
+
+Rollix::~Rollix()
+{
+    handCamera = nullptr;
+    level = nullptr;
+    messageText = nullptr;
+    endMenu = nullptr;
+    pauseMenu = nullptr;
+    shaderPrograms.clear();
+}
+
+void Rollix::setUpCamera(OsgViewerWidget* widget)
+{
+    osg::Camera* camera = getCamera();
+    camera->setGraphicsContext(widget->getGraphicsWindow());
+    camera->setClearColor(sky);
+    camera->setViewport(0, 0, 800, 600);
+    camera->setProjectionMatrixAsPerspective(30.0, 1.3333333333333333, 1.0, 10000.0);
+}
+
+void Rollix::createWorld()
+{
+    GameLoop::lock();
+    createScene(gravity);
+    sceneRoot = new osg::Group;
+    sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
+                                                 osg::StateAttribute::ON);
+    GameLoop::unlock();
+}
+
+void Rollix::createHandCamera()
+{
+    handCamera = new HandCamera;
+    handCamera->setHeight(cameraHeight);
+    handCamera->setDistance(cameraDistance);
+    handCamera->setAngle(cameraAngle);
+    handCamera->setCenter(cameraCenter);
+    handCamera->setVerticalAxisFixed(true);
+    setCameraManipulator(handCamera, true);
+}
+
+void Rollix::loadSounds()
+{
+    for (int i = 1; i <= hitSounds; ++i) {
+        const std::string number = std::to_string(i);
+        loadSound("hit" + number, "data/Rollix/wood-ball-hit-" + number + ".mp3");
+    }
+}
+
+void Rollix::createMenus()
+{
+    const auto makeMenu = [this](bool canContinue) {
+        auto* folder = new MenuItemFolder("Menu", nullptr);
+        folder->addItem(
+            new MenuItemAction([this] { requestLevel(LevelAction::Restart); }, "Restart", folder));
+        folder->addItem(
+            new MenuItemAction([this] { requestLevel(LevelAction::Next); }, "Next Level", folder));
+        folder->addItem(new MenuItemAction([this] { requestLevel(LevelAction::Previous); },
+                                           "Previous Level", folder));
+        if (canContinue) {
+            folder->addItem(new MenuItemAction(
+                [this] {
+                    pauseMenu->hide();
+                    state = GameState::WaitingForRest;
+                },
+                "Continue", folder));
+        }
+        osg::ref_ptr<MenuHUD> menu = new MenuHUD;
+        menu->init(sceneRoot, this);
+        menu->setRootItem(folder);
+        menu->setCurrentFolder(folder);
+        return menu;
+    };
+    pauseMenu = makeMenu(true);
+    endMenu = makeMenu(false);
+}
+
+void Rollix::createMessageText()
+{
+    messageText = new TextHUD;
+    messageText->setPosition(osg::Vec2f(0.5f, 0.05f));
+    messageText->setAlignment(osgText::TextBase::CENTER_BOTTOM);
+    messageText->init(sceneRoot, this);
+}
+
+void Rollix::requestLevel(LevelAction action)
+{
+    // Menus may be driven on the sensor's thread; the level changes in the next update.
+    pendingLevelAction = action;
+    state = GameState::WaitingForRest;
+}
+
+void Rollix::loadLevel(unsigned int number)
+{
+    GameLoop::lock();
+    level = nullptr;
+    // Ids start anew with each level; what the old ones showed is gone.
+    actorTransforms.clear();
+    level = new Level(number, sceneRoot, this);
+    GameLoop::unlock();
+    state = GameState::WaitingForRest;
+}
+
+void Rollix::showMessage(const std::string& text, const osg::Vec4f& color)
+{
+    if (messageText->isVisible())
+        return;
+    messageText->setText(text);
+    messageText->setColor(color);
+    messageText->show();
+}
+
+void Rollix::levelCompleted()
+{
+    state = GameState::LevelCompleted;
+    showMessage("Well Done!", goodNews);
+}
+
+void Rollix::levelFailed()
+{
+    state = GameState::LevelFailed;
+    showMessage("Not even close...", badNews);
+}
+
+ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
+                                            std::initializer_list<std::string> preMainFiles)
+{
+    osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
+    if (!shader) {
+        shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
+        for (const std::string& file : preMainFiles)
+            shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
+    }
+    return shader;
+}
+
+void Rollix::update()
+{
+    GameLoop::lock();
+    serveLevelAction();
+    applyKeyTorque();
+    GameLoop::unlock();
+}
+
+void Rollix::serveLevelAction()
+{
+    switch (pendingLevelAction) {
+    case LevelAction::None:
+        return;
+    case LevelAction::Restart:
+        loadLevel(level->number);
+        break;
+    case LevelAction::Next:
+        loadLevel(level->number + 1);
+        break;
+    case LevelAction::Previous:
+        loadLevel(level->number - 1);
+        break;
+    }
+    pendingLevelAction = LevelAction::None;
+}
+
+void Rollix::applyKeyTorque()
+{
+    osg::Matrixd rotation;
+    rotation.makeRotate(double(handCamera->angle()), osg::Vec3d(0.0, 0.0, 1.0));
+    const unsigned int boardId = level->board->getId();
+    // 0.1 rad/s a tick, about an axis that turns with the camera.
+    const auto turn = [&](const osg::Vec3f& axis) {
+        addTorque(boardId, rotation * axis, forceModeVelocityChange, true);
+    };
+    if (keyUp)
+        turn(osg::Vec3f(0.1f, 0.0f, 0.0f));
+    if (keyDown)
+        turn(osg::Vec3f(-0.1f, 0.0f, 0.0f));
+    if (keyLeft)
+        turn(osg::Vec3f(0.0f, 0.1f, 0.0f));
+    if (keyRight)
+        turn(osg::Vec3f(0.0f, -0.1f, 0.0f));
+}
+
+float Rollix::timeStep()
+{
+    return secondsPerTick;
+}
+
+bool* Rollix::keyFlag(int key)
+{
+    switch (key) {
+    case Qt::Key_Up:
+        return &keyUp;
+    case Qt::Key_Down:
+        return &keyDown;
+    case Qt::Key_Left:
+        return &keyLeft;
+    case Qt::Key_Right:
+        return &keyRight;
+    default:
+        return nullptr;
+    }
+}
+
+void Rollix::keyPressEvent(QKeyEvent* event)
+{
+    if (bool* flag = keyFlag(event->key())) {
+        *flag = true;
+        event->accept();
+    }
+}
+
+void Rollix::keyReleaseEvent(QKeyEvent* event)
+{
+    // A held key repeats as pairs of release and press: only the true release counts.
+    if (event->isAutoRepeat())
+        return;
+
+    if (pauseMenu->isVisible()) {
+        pauseMenu->onKeyPress(event);
+        if (!pauseMenu->isVisible())
+            state = GameState::WaitingForRest;
+        return;
+    }
+    if (endMenu->isVisible()) {
+        endMenu->onKeyPress(event);
+        return;
+    }
+
+    if (bool* flag = keyFlag(event->key())) {
+        *flag = false;
+        event->accept();
+        return;
+    }
+    switch (event->key()) {
+    case Qt::Key_Plus:
+        loadLevel(level->number + 1);
+        break;
+    case Qt::Key_Minus:
+        loadLevel(level->number - 1);
+        break;
+    case Qt::Key_R:
+        loadLevel(level->number);
+        break;
+    case Qt::Key_Escape:
+        state = GameState::PauseMenu;
+        pauseMenu->toggle();
+        break;
+    default:
+        return;
+    }
+    event->accept();
+}
+
+void Rollix::onContact(const physx::PxContactPairHeader& header, const physx::PxContactPair* pairs,
+                       physx::PxU32 count)
+{
+    const unsigned int ballId = level->ball->getId();
+    if (isContactBetween(level->ground->getId(), ballId, header))
+        level->ball->hitGround(level->ground);
+    else if (isContactOf(ballId, header) && isShapeContactBetween(boardGroup, ballGroup, pairs[0]))
+        level->board->onBallContact(header, pairs, count);
+}
+
+void Rollix::onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count)
+{
+    constexpr auto shapeRemoved = physx::PxTriggerPairFlag::eREMOVED_SHAPE_TRIGGER |
+                                  physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
+    const unsigned int ballId = level->ball->getId();
+    for (physx::PxU32 i = 0; i < count; ++i) {
+        const physx::PxTriggerPair& pair = pairs[i];
+        if (pair.flags & shapeRemoved)
+            continue;
+        // The pair in the form of a contact, so that the same queries serve.
+        physx::PxContactPairHeader actors;
+        actors.actors[0] = pair.triggerActor;
+        actors.actors[1] = pair.otherActor;
+        physx::PxContactPair shapes;
+        shapes.shapes[0] = pair.triggerShape;
+        shapes.shapes[1] = pair.otherShape;
+        if (isContactOf(ballId, actors) && isShapeContactBetween(boardGroup, ballGroup, shapes))
+            level->board->onBallTrigger(pair, actors);
+    }
+}

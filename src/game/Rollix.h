@@ -1,0 +1,102 @@
+#pragma once
+
+#include "game/GameState.h"
+#include "game/GravlinApplication.h"
+#include "shaders/ShaderProgram.h"
+
+#include <initializer_list>
+#include <string>
+
+class HandCamera;
+class Level;
+class MenuHUD;
+class OsgViewerWidget;
+class TextHUD;
+
+/// The game: builds camera, world, sounds and menus once, owns the one current level and swaps it
+/// on demand, reads the keyboard, and decides by its state what a sensor frame means. The rules of
+/// lives, coins and checkpoints are the level's; here only its two outcomes arrive.
+class Rollix : public GravlinApplication
+{
+public:
+    /// Builds everything under the world lock, level 0 included. Main thread.
+    explicit Rollix(OsgViewerWidget* widget);
+
+    /// Replaces the current level by "data/Rollix/level<number>.png"; no number is refused. Main
+    /// thread, takes the world lock.
+    void loadLevel(unsigned int number);
+
+    /// The two outcomes of a level. World lock held, in a tick.
+    void levelCompleted();
+    void levelFailed();
+
+    /// The shader stage that all levels share under its short file name. At its first use it is
+    /// read from data/Rollix and gets `preMainFiles` injected above its main function, in order.
+    ShaderProgram::Shader* sharedShader(const std::string& name, unsigned int type,
+                                        std::initializer_list<std::string> preMainFiles = {});
+
+    /// Serves a requested level change, then turns the held arrow keys into torque on the board.
+    void update() override;
+
+    /// 1/30 s at 50 ticks a second: the world runs at 5/3 of real time, which gives the ball its
+    /// liveliness.
+    float timeStep() override;
+
+    void keyPressEvent(QKeyEvent* event) override;
+    /// Menus and commands act on release. A release that a menu takes leaves the arrow's flag set.
+    void keyReleaseEvent(QKeyEvent* event) override;
+
+    void onContact(const physx::PxContactPairHeader& header, const physx::PxContactPair* pairs,
+                   physx::PxU32 count) override;
+    void onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count) override;
+
+    /// The sensor's thread; see RollixHand.cpp.
+    void onConnect(const Leap::Controller& controller) override;
+    void onFrame(const Leap::Controller& controller) override;
+
+    /// Shader stages by short file name; they outlive every level.
+    std::unordered_map<std::string, osg::ref_ptr<ShaderProgram::Shader>> shaderPrograms;
+
+    osg::ref_ptr<MenuHUD> pauseMenu;
+    osg::ref_ptr<MenuHUD> endMenu;
+    osg::ref_ptr<TextHUD> messageText;
+    osg::ref_ptr<Level> level;
+
+    /// Plain and unguarded, though the sensor's thread writes it too: a lost transition is made up
+    /// for by the next frame.
+    GameState state = GameState::Initial;
+
+    osg::ref_ptr<HandCamera> handCamera;
+
+protected:
+    ~Rollix() override;
+
+private:
+    enum class LevelAction : int { None = 0, Restart = 1, Next = 2, Previous = 3 };
+
+    void setUpCamera(OsgViewerWidget* widget);
+    void createWorld();
+    void createHandCamera();
+    void loadSounds();
+    void createMenus();
+    void createMessageText();
+    void requestLevel(LevelAction action);
+    void showMessage(const std::string& text, const osg::Vec4f& color);
+
+    void serveLevelAction();
+    void applyKeyTorque();
+    bool* keyFlag(int key);
+
+    void awaitRestPose(const Leap::Frame& frame);
+    bool detectScreenTap(const Leap::Frame& frame);
+    void applyHandTilt(const Leap::Frame& frame);
+    void drivePauseMenu(const Leap::Controller& controller);
+    void driveEndMenu(const Leap::Controller& controller);
+    void driveMenu(MenuHUD* menu, const Leap::Controller& controller);
+
+    LevelAction pendingLevelAction = LevelAction::None;
+    bool keyUp = false;
+    bool keyDown = false;
+    bool keyLeft = false;
+    bool keyRight = false;
+};

@@ -1,0 +1,155 @@
+#include "level/BlockCheckpoint.h"
+
+#include "game/Rollix.h"
+#include "level/Board.h"
+#include "level/Level.h"
+#include "shaders/ShaderProgram.h"
+
+#include <osg/Geometry>
+#include <osg/ShapeDrawable>
+
+namespace {
+
+// The flag, in world units: it hangs from the top of its pole towards +x.
+constexpr int flagSteps = 5;
+constexpr float flagStepWidth = 0.1f;
+constexpr float flagHeight = 0.4f;
+constexpr float flagTop = 1.55f;
+constexpr float poleHeight = 1.6f;
+constexpr float poleRadius = 0.03f;
+
+const osg::Vec4f requiredColor(0.8f, 0.0f, 0.0f, 1.0f);
+const osg::Vec4f optionalColor(0.0f, 0.0f, 0.8f, 1.0f);
+
+const osg::Vec3f raised(0.0f, 0.0f, 0.0f);
+const osg::Vec3f sunk(0.0f, 0.0f, -1.0f);
+constexpr float flagSeconds = 1.0f;
+
+constexpr int coinsOfFlag = 10;
+constexpr int coinsOfGoal = 50;
+
+/// One reward for each three points of saturation.
+int rewards(int n)
+{
+    return int((n + 3.0) / 3.0 + 0.5);
+}
+
+}  // namespace
+
+std::unordered_set<BlockCheckpoint*> BlockCheckpoint::allCheckpoints;
+
+BlockCheckpoint::BlockCheckpoint(Level& owner, float cellX, float cellY, int saturation, int value,
+                                 BlockGroup& linkGroup)
+    : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Checkpoint")
+{
+    fixToBoard();
+    allCheckpoints.insert(this);
+    decode(saturation);
+    level->board->addContactShape(this, id);
+}
+
+BlockCheckpoint::~BlockCheckpoint()
+{
+    allCheckpoints.erase(this);
+}
+
+void BlockCheckpoint::decode(int saturation)
+{
+    if (saturation >= 91)
+        level->setStart(this);
+    else if (saturation >= 79)
+        makeCheckpoint(true, saturation - 80);
+    else if (saturation >= 69)
+        makeCheckpoint(false, saturation - 70);
+    else if (saturation >= 49)
+        makeGoal(saturation - 50);
+    else
+        makeCheckpoint(false, 0);
+}
+
+void BlockCheckpoint::makeCheckpoint(bool mustBePassed, int n)
+{
+    type = Checkpoint;
+    required = mustBePassed;
+    coins = rewards(n) * coinsOfFlag;
+    createFlag();
+    flagGeode->getOrCreateStateSet()->addUniform(
+        new osg::Uniform("a_FlagColor", required ? requiredColor : optionalColor),
+        osg::StateAttribute::ON);
+}
+
+void BlockCheckpoint::makeGoal(int n)
+{
+    type = Goal;
+    coins = rewards(n) * coinsOfGoal;
+    createFlag();
+}
+
+void BlockCheckpoint::createFlag()
+{
+    const float top = surfaceHeight() + flagTop;
+    osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array;
+    for (int i = 0; i < flagSteps; ++i) {
+        const float along = float(i) * flagStepWidth;
+        vertices->push_back(osg::Vec3f(along, 0.0f, top));
+        vertices->push_back(osg::Vec3f(along, 0.0f, top - flagHeight));
+    }
+    osg::ref_ptr<osg::Geometry> cloth = new osg::Geometry;
+    cloth->setDataVariance(osg::Object::STATIC);
+    cloth->setVertexArray(vertices);
+    cloth->addPrimitiveSet(new osg::DrawArrays(GL_QUAD_STRIP, 0, GLsizei(vertices->size())));
+
+    flagGeode = addDecoration(cloth);
+    osg::StateSet* stateSet = flagGeode->getOrCreateStateSet();
+    stateSet->addUniform(new osg::Uniform("a_FlagType", type), osg::StateAttribute::ON);
+    pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
+
+    flagShader = new ShaderProgram(flagGeode);
+    flagShader->setVertexShader(
+        game()->sharedShader("flagShader.vert", GL_VERTEX_SHADER, {"data/easeFunctions.glsl"}));
+    flagShader->setFragmentShader(game()->sharedShader("flagShader.frag", GL_FRAGMENT_SHADER));
+
+    createPole();
+}
+
+void BlockCheckpoint::createPole()
+{
+    const osg::Vec3f center(0.0f, 0.0f, surfaceHeight() + poleHeight * 0.5f);
+    poleGeode =
+        addDecoration(new osg::ShapeDrawable(new osg::Cylinder(center, poleRadius, poleHeight)));
+}
+
+void BlockCheckpoint::onBallContact(Ball*)
+{
+    if (type == Checkpoint)
+        passFlag();
+    else if (type == Goal)
+        reachGoal();
+}
+
+void BlockCheckpoint::passFlag()
+{
+    if (passed)
+        return;
+    passed = true;
+    pose->run(raised, sunk, frameTime(), flagSeconds);
+    level->checkpoint = this;
+    level->changeCoins(coins);
+}
+
+void BlockCheckpoint::reachGoal()
+{
+    for (const BlockCheckpoint* other : allCheckpoints) {
+        if (other->type == Checkpoint && other->required && !other->passed)
+            return;
+    }
+    level->changeCoins(coins);
+    level->complete();
+}
+
+void BlockCheckpoint::reset()
+{
+    passed = false;
+    if (pose)
+        pose->run(sunk, raised, frameTime(), flagSeconds);
+}

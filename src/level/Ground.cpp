@@ -1,0 +1,31 @@
+#include "level/Ground.h"
+
+#include "game/Rollix.h"
+#include "level/FilterGroups.h"
+#include "level/Level.h"
+
+#include <osg/ShapeDrawable>
+
+namespace {
+
+const osg::Vec3f center(0.0f, 0.0f, -10.0f);
+const osg::Vec3f up(0.0f, 0.0f, 1.0f);
+const osg::Vec3f drawnSize(30.0f, 30.0f, 0.1f);
+const osg::Vec4f darkGrey(0.2f, 0.2f, 0.2f, 1.0f);
+
+}  // namespace
+
+Ground::Ground(Level& owner) : GameObject(owner), geode(new osg::Geode)
+{
+    osg::ref_ptr<osg::ShapeDrawable> square =
+        new osg::ShapeDrawable(new osg::Box(center, drawnSize.x(), drawnSize.y(), drawnSize.z()));
+    square->setColor(darkGrey);
+    geode->addDrawable(square);
+    level->addChild(geode);
+    game()->createPlane(id, "holz", center, up, groundGroup, groundMask);
+}
+
+void Ground::hitByBall(Ball*)
+{
+    level->changeLives(-1, true);
+}

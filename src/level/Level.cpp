@@ -1,0 +1,153 @@
+#include "level/Level.h"
+
+#include "frame/GameLoop.h"
+#include "game/Rollix.h"
+#include "hud/ImageHUD.h"
+#include "hud/ScoreHUD.h"
+#include "level/Ball.h"
+#include "level/BlockCheckpoint.h"
+#include "level/Board.h"
+#include "level/Ground.h"
+#include "shaders/ShaderProgram.h"
+
+#include <QImage>
+#include <algorithm>
+
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+constexpr int maximumLives = 5;
+constexpr float hudHeight = 0.03f;  // of the window's height
+
+std::string levelPicture(unsigned int number)
+{
+    // Signed: the level before level 0 is level -1, a file like any other.
+    std::ostringstream name;
+    name << "data/Rollix/level" << int(number) << ".png";
+    return name.str();
+}
+
+}  // namespace
+
+Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
+    : game_(owner),
+      parent(parentGroup),
+      lives(maximumLives),
+      number(levelNumber),
+      pictureFile(levelPicture(levelNumber))
+{
+    GameLoop::lock();
+    game_->createMaterial("holz", 0.2f, 0.05f, 0.0f);
+    std::cout << "reading level " << pictureFile << std::endl;
+    root = new osg::Group;
+    createShader();
+    ground = new Ground(*this);
+    createBoard();
+    ball = new Ball(*this);
+    createHud();
+    parent->addChild(root);
+    GameLoop::unlock();
+}
+
+Level::~Level()
+{
+    GameLoop::lock();
+    parent->removeChild(root);
+    // Shown elements are event handlers of the view, which would keep them for good.
+    livesHud->hide();
+    coinsHud->hide();
+    scoreHud->hide();
+    game_->clear();
+    GameLoop::unlock();
+}
+
+void Level::createShader()
+{
+    shader = new ShaderProgram(root);
+    shader->setVertexShader(game_->sharedShader("standardShader.vert", GL_VERTEX_SHADER));
+    shader->setFragmentShader(game_->sharedShader("standardShader.frag", GL_FRAGMENT_SHADER));
+}
+
+void Level::createBoard()
+{
+    board = new Board(*this);
+    board->load(QImage(QString::fromStdString(pictureFile)));
+}
+
+void Level::createHud()
+{
+    livesHud = new ImageHUD;
+    showLives();
+    livesHud->setPosition(osg::Vec2f(0.9f, 0.97f));
+    livesHud->setSize(osg::Vec2f(0.0f, hudHeight));
+    livesHud->setAlignment(osgText::TextBase::RIGHT_TOP);
+    livesHud->init(root, game_);
+    livesHud->show();
+
+    coinsHud = new ImageHUD;
+    coinsHud->setImage("data/Rollix/coins.png");
+    coinsHud->setPosition(osg::Vec2f(0.95f, 0.97f));
+    coinsHud->setSize(osg::Vec2f(0.0f, hudHeight));
+    coinsHud->setAlignment(osgText::TextBase::RIGHT_TOP);
+    coinsHud->init(root, game_);
+    coinsHud->show();
+
+    scoreHud = new ScoreHUD;
+    scoreHud->setPosition(osg::Vec2f(0.955f, 0.965f));
+    scoreHud->setAlignment(osgText::TextBase::LEFT_TOP);
+    scoreHud->init(root, game_);
+    scoreHud->show();
+}
+
+void Level::addChild(osg::Node* node)
+{
+    root->addChild(node);
+}
+
+void Level::setStart(BlockCheckpoint* block)
+{
+    startCheckpoint = block;
+    checkpoint = block;
+}
+
+void Level::showLives()
+{
+    livesHud->setImage("data/Rollix/lives-" + std::to_string(lives) + ".png");
+}
+
+void Level::changeLives(int delta, bool reset)
+{
+    lives = std::clamp(lives + delta, 0, maximumLives);
+    showLives();
+    if (reset || lives == 0)
+        restart(lives == 0);
+}
+
+void Level::changeCoins(int delta)
+{
+    coins += std::max(delta, -coins);
+    scoreHud->setScore(coins);
+}
+
+void Level::restart(bool fromStart)
+{
+    if (fromStart) {
+        checkpoint = startCheckpoint;
+        lives = maximumLives;
+        showLives();
+        scoreHud->setScore(0);
+        coins = 0;
+    }
+    ball->reset();
+    board->reset(fromStart);
+    game_->state = GameState::WaitingForRest;
+    if (fromStart)
+        game_->levelFailed();
+}
+
+void Level::complete()
+{
+    game_->levelCompleted();
+}
