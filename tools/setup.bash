@@ -59,7 +59,7 @@ step()
 logEnd()
 {
     if grep -q '^FAILED: ' "$1"; then
-        sed -n '/^FAILED: /,$p' "$1" | grep -v '^\[' | grep -v '^/[^ ]*c++ ' | head -n 30
+        sed -n '/^FAILED: /,$p' "$1" | grep -vE '^\[|^([^ ]*ccache )?[^ ]*c\+\+ ' | head -n 30
     else
         tail -n 25 "$1"
     fi
