@@ -8,8 +8,7 @@
 
 #include <cmath>
 
-namespace
-{
+namespace {
 
 constexpr float ballRadius = 0.3f;
 constexpr unsigned int stripVertices = 50;  // two a step: half a second of history
@@ -17,12 +16,12 @@ constexpr unsigned int stripVertices = 50;  // two a step: half a second of hist
 }  // namespace
 
 Ribbon::Ribbon(const osg::Vec3f& color, osg::Node* target, unsigned int ballActorId, Rollix* owner,
-               osg::MatrixTransform* boardTransform) :
-    parent(boardTransform),
-    halfWidth(ballRadius),
-    vertexCount(stripVertices),
-    actorId(ballActorId),
-    game(owner)
+               osg::MatrixTransform* boardTransform)
+    : parent(boardTransform),
+      halfWidth(ballRadius),
+      vertexCount(stripVertices),
+      actorId(ballActorId),
+      game(owner)
 {
     createGeometry(color);
     createGeode();

@@ -3,15 +3,13 @@
 #include "game/GravlinApplication.h"
 #include "sound/FmodManager.h"
 
+#include <fmod.hpp>
 #include <osg/FrameStamp>
 #include <osgViewer/ViewerBase>
 
-#include <fmod.hpp>
-
 #include <limits>
 
-namespace
-{
+namespace {
 
 // A plain pointer and flag: the loop is first reached from the game's constructor, before there is
 // a second thread, and it stays until the process ends.

@@ -11,8 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace osg
-{
+namespace osg {
 class FrameStamp;
 }
 

@@ -10,8 +10,7 @@
 
 #include <limits>
 
-namespace
-{
+namespace {
 
 /// Offers `event` to the listeners in order until one accepts it.
 template <typename Listener, typename Event>
@@ -27,8 +26,8 @@ void offer(const std::list<Listener*>& listeners, void (Listener::*handler)(Even
 
 }  // namespace
 
-OsgViewerWidget::OsgViewerWidget() :
-    osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false), osgViewer::CompositeViewer()
+OsgViewerWidget::OsgViewerWidget()
+    : osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false), osgViewer::CompositeViewer()
 {
     setWindowTitle("Rollix");
     setThreadingModel(osgViewer::ViewerBase::SingleThreaded);

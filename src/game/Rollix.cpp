@@ -16,11 +16,9 @@
 #include "platform/osgqt/GraphicsWindowQt.h"
 
 #include <QKeyEvent>
-
 #include <osg/Uniform>
 
-namespace
-{
+namespace {
 
 constexpr float secondsPerTick = 0.033333335f;  // 1/30
 constexpr int hitSounds = 8;
@@ -110,10 +108,10 @@ void Rollix::createMenus()
 {
     const auto makeMenu = [this](bool canContinue) {
         auto* folder = new MenuItemFolder("Menu", nullptr);
-        folder->addItem(new MenuItemAction([this] { requestLevel(LevelAction::Restart); },
-                                           "Restart", folder));
-        folder->addItem(new MenuItemAction([this] { requestLevel(LevelAction::Next); },
-                                           "Next Level", folder));
+        folder->addItem(
+            new MenuItemAction([this] { requestLevel(LevelAction::Restart); }, "Restart", folder));
+        folder->addItem(
+            new MenuItemAction([this] { requestLevel(LevelAction::Next); }, "Next Level", folder));
         folder->addItem(new MenuItemAction([this] { requestLevel(LevelAction::Previous); },
                                            "Previous Level", folder));
         if (canContinue) {
@@ -315,8 +313,7 @@ void Rollix::onContact(const physx::PxContactPairHeader& header, const physx::Px
     const unsigned int ballId = level->ball->getId();
     if (isContactBetween(level->ground->getId(), ballId, header))
         level->ball->hitGround(level->ground);
-    else if (isContactOf(ballId, header) &&
-             isShapeContactBetween(boardGroup, ballGroup, pairs[0]))
+    else if (isContactOf(ballId, header) && isShapeContactBetween(boardGroup, ballGroup, pairs[0]))
         level->board->onBallContact(header, pairs, count);
 }
 

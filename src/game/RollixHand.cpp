@@ -11,8 +11,7 @@
 #include "level/Board.h"
 #include "level/Level.h"
 
-namespace
-{
+namespace {
 
 constexpr float tiltDeadZone = 0.1f;    // radians under which a hand commands nothing
 constexpr float tiltGain = 2.0f;        // rad/s a radian of error
@@ -114,9 +113,8 @@ void Rollix::applyHandTilt(const Leap::Frame& frame)
     const HandDirections hand = handDirections(frame.hands()[0], handCamera->angle());
     GameLoop::lock();
     const unsigned int boardId = level->board->getId();
-    const osg::Vec3f rotation =
-        alignmentRotation(actorTransforms[boardId], boardDown, hand.down, boardForward,
-                          hand.forward, tiltDeadZone);
+    const osg::Vec3f rotation = alignmentRotation(actorTransforms[boardId], boardDown, hand.down,
+                                                  boardForward, hand.forward, tiltDeadZone);
     setAngularVelocity(boardId, rotation * tiltGain, true);
     GameLoop::unlock();
 }

@@ -11,8 +11,7 @@
 
 #include <osg/ShapeDrawable>
 
-namespace
-{
+namespace {
 
 constexpr float radius = 0.3f;
 constexpr double density = 1.0;
@@ -26,8 +25,8 @@ const osg::Vec3f atRest(0.0f, 0.0f, 0.0f);
 
 }  // namespace
 
-Ball::Ball(Level& owner) :
-    GameObject(owner), geode(new osg::Geode), transform(new osg::MatrixTransform)
+Ball::Ball(Level& owner)
+    : GameObject(owner), geode(new osg::Geode), transform(new osg::MatrixTransform)
 {
     createSphere();
     level->addChild(transform);

@@ -19,9 +19,9 @@ public:
     /// Puts itself on the level's checkpoint.
     explicit Ball(Level& level);
 
-    /// Puts the ball at rest above the level's checkpoint, at the next step. Without a checkpoint it
-    /// stays as it is. The checkpoint's board coordinates serve as world coordinates: the board is
-    /// level, or is made so by the same restart.
+    /// Puts the ball at rest above the level's checkpoint, at the next step. Without a checkpoint
+    /// it stays as it is. The checkpoint's board coordinates serve as world coordinates: the board
+    /// is level, or is made so by the same restart.
     void reset() override;
 
     void hitGround(Ground* ground);

@@ -9,8 +9,7 @@
 #include <osg/Geometry>
 #include <osg/ShapeDrawable>
 
-namespace
-{
+namespace {
 
 constexpr double density = 1.0;
 constexpr unsigned int motionWithoutGravity = 1;
@@ -61,8 +60,8 @@ osg::ref_ptr<osg::Geometry> rampGeometry(osg::Vec3Array* vertices)
 }  // namespace
 
 Block::Block(Level& owner, float cellX, float cellY, int /*saturation*/, int value,
-             BlockGroup& linkGroup, bool dynamic, std::string shaderGroup) :
-    GameObject(owner), x(cellX), y(cellY), group(&linkGroup)
+             BlockGroup& linkGroup, bool dynamic, std::string shaderGroup)
+    : GameObject(owner), x(cellX), y(cellY), group(&linkGroup)
 {
     createShape(value, dynamic, shaderGroup);
 }

@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace osg
-{
+namespace osg {
 class Drawable;
 class Geode;
 }  // namespace osg

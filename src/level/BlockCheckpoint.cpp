@@ -8,8 +8,7 @@
 #include <osg/Geometry>
 #include <osg/ShapeDrawable>
 
-namespace
-{
+namespace {
 
 // The flag, in world units: it hangs from the top of its pole towards +x.
 constexpr int flagSteps = 5;
@@ -40,8 +39,8 @@ int rewards(int n)
 std::unordered_set<BlockCheckpoint*> BlockCheckpoint::allCheckpoints;
 
 BlockCheckpoint::BlockCheckpoint(Level& owner, float cellX, float cellY, int saturation, int value,
-                                 BlockGroup& linkGroup) :
-    Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Checkpoint")
+                                 BlockGroup& linkGroup)
+    : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Checkpoint")
 {
     fixToBoard();
     allCheckpoints.insert(this);
@@ -98,8 +97,7 @@ void BlockCheckpoint::createFlag()
     osg::ref_ptr<osg::Geometry> cloth = new osg::Geometry;
     cloth->setDataVariance(osg::Object::STATIC);
     cloth->setVertexArray(vertices);
-    cloth->addPrimitiveSet(
-        new osg::DrawArrays(GL_QUAD_STRIP, 0, GLsizei(vertices->size())));
+    cloth->addPrimitiveSet(new osg::DrawArrays(GL_QUAD_STRIP, 0, GLsizei(vertices->size())));
 
     flagGeode = addDecoration(cloth);
     osg::StateSet* stateSet = flagGeode->getOrCreateStateSet();
@@ -117,8 +115,8 @@ void BlockCheckpoint::createFlag()
 void BlockCheckpoint::createPole()
 {
     const osg::Vec3f center(0.0f, 0.0f, surfaceHeight() + poleHeight * 0.5f);
-    poleGeode = addDecoration(
-        new osg::ShapeDrawable(new osg::Cylinder(center, poleRadius, poleHeight)));
+    poleGeode =
+        addDecoration(new osg::ShapeDrawable(new osg::Cylinder(center, poleRadius, poleHeight)));
 }
 
 void BlockCheckpoint::onBallContact(Ball*)

@@ -1,8 +1,8 @@
 #include "level/BlockStandard.h"
 
 BlockStandard::BlockStandard(Level& owner, float cellX, float cellY, int saturation, int value,
-                             BlockGroup& linkGroup) :
-    Block(owner, cellX, cellY, saturation, value, linkGroup, false, "Standard")
+                             BlockGroup& linkGroup)
+    : Block(owner, cellX, cellY, saturation, value, linkGroup, false, "Standard")
 {
 }
 

@@ -10,14 +10,12 @@
 #include "level/Random.h"
 
 #include <QImage>
-
 #include <osg/ShapeDrawable>
 
 #include <functional>
 #include <iostream>
 
-namespace
-{
+namespace {
 
 constexpr unsigned int motionWithoutGravity = 1;
 constexpr double density = 1.0;
@@ -107,16 +105,14 @@ void Board::createBody()
     game()->setActorTransform(id, transform);
     root->addChild(transform);
     root->getOrCreateStateSet()->addUniform(
-        new osg::Uniform("a_TextureOffset", osg::Vec3f(0.0f, 0.0f, 0.0f)),
-        osg::StateAttribute::ON);
+        new osg::Uniform("a_TextureOffset", osg::Vec3f(0.0f, 0.0f, 0.0f)), osg::StateAttribute::ON);
 }
 
 void Board::createShader()
 {
     shader = new ShaderProgram(root);
-    shader->setVertexShader(
-        game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER,
-                             {"data/rotation.glsl", "data/phong_vert.glsl"}));
+    shader->setVertexShader(game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER,
+                                                 {"data/rotation.glsl", "data/phong_vert.glsl"}));
     shader->setFragmentShader(game()->sharedShader(
         "boardShader.frag", GL_FRAGMENT_SHADER,
         {"data/classicnoise3D.glsl", "data/wood.glsl", "data/phong_frag.glsl"}));

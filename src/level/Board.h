@@ -17,8 +17,7 @@
 class QImage;
 struct LevelPixel;
 
-namespace physx
-{
+namespace physx {
 struct PxContactPair;
 struct PxContactPairHeader;
 struct PxTriggerPair;

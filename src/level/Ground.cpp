@@ -6,8 +6,7 @@
 
 #include <osg/ShapeDrawable>
 
-namespace
-{
+namespace {
 
 const osg::Vec3f center(0.0f, 0.0f, -10.0f);
 const osg::Vec3f up(0.0f, 0.0f, 1.0f);

@@ -11,13 +11,12 @@
 #include "shaders/ShaderProgram.h"
 
 #include <QImage>
-
 #include <algorithm>
+
 #include <iostream>
 #include <sstream>
 
-namespace
-{
+namespace {
 
 constexpr int maximumLives = 5;
 constexpr float hudHeight = 0.03f;  // of the window's height
@@ -32,12 +31,12 @@ std::string levelPicture(unsigned int number)
 
 }  // namespace
 
-Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner) :
-    game_(owner),
-    parent(parentGroup),
-    lives(maximumLives),
-    number(levelNumber),
-    pictureFile(levelPicture(levelNumber))
+Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
+    : game_(owner),
+      parent(parentGroup),
+      lives(maximumLives),
+      number(levelNumber),
+      pictureFile(levelPicture(levelNumber))
 {
     GameLoop::lock();
     game_->createMaterial("holz", 0.2f, 0.05f, 0.0f);

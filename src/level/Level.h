@@ -17,8 +17,8 @@ class ShaderProgram;
 
 /// One loaded level: it owns the scene subtree, ground, board, ball and the HUD elements of a
 /// running game, and keeps lives, coins and the last checkpoint. To make it loads it, to destroy it
-/// clears the physics world. There is never more than one. World lock held in all of it; constructor
-/// and destructor take the lock themselves.
+/// clears the physics world. There is never more than one. World lock held in all of it;
+/// constructor and destructor take the lock themselves.
 class Level : public osg::Referenced
 {
 public:
@@ -28,7 +28,8 @@ public:
 
     Rollix* game() const { return game_; }
 
-    /// Ids count from 0 in every level: they are actor ids, and the scene is cleared between levels.
+    /// Ids count from 0 in every level: they are actor ids, and the scene is cleared between
+    /// levels.
     unsigned int nextObjectId() { return nextObjectId_++; }
 
     /// Adds to the root of everything that the level shows.

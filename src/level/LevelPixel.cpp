@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 constexpr float levelHeight = 0.5f;  // one level of the board, in world units
 constexpr int firstBodyValue = 57;
@@ -17,10 +16,10 @@ struct HueRange
 
 // Inclusive, the first match counts. Red lies on both sides of the circle's seam.
 constexpr HueRange hueRanges[] = {
-    {80, 100, BlockKind::Standard},   {125, 145, BlockKind::Checkpoint},
-    {260, 280, BlockKind::Button},    {215, 235, BlockKind::Ghost},
-    {170, 190, BlockKind::Elevator},  {-10, 10, BlockKind::Trap},
-    {350, 370, BlockKind::Trap},      {35, 55, BlockKind::Item},
+    {80, 100, BlockKind::Standard},  {125, 145, BlockKind::Checkpoint},
+    {260, 280, BlockKind::Button},   {215, 235, BlockKind::Ghost},
+    {170, 190, BlockKind::Elevator}, {-10, 10, BlockKind::Trap},
+    {350, 370, BlockKind::Trap},     {35, 55, BlockKind::Item},
     {305, 325, BlockKind::Portal},
 };
 

@@ -1,5 +1,4 @@
 #include <QApplication>
-
 #include <gtest/gtest.h>
 
 /// Every test program owns a QApplication: timers, widgets and file watchers need one.

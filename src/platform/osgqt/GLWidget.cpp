@@ -6,14 +6,11 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
-
 #include <osgGA/EventQueue>
 
-namespace osgQt
-{
+namespace osgQt {
 
-namespace
-{
+namespace {
 
 constexpr int samplesPerPixel = 4;
 constexpr QSize defaultSize(800, 600);  // pixels, the camera's first viewport
@@ -99,8 +96,8 @@ unsigned int osgButton(Qt::MouseButton button)
 }  // namespace
 
 GLWidget::GLWidget(QWidget* parent, const QGLWidget* shareWidget, Qt::WindowFlags flags,
-                   bool forwardKeys) :
-    QGLWidget(windowFormat(), parent, shareWidget, flags), forwardKeyEvents(forwardKeys)
+                   bool forwardKeys)
+    : QGLWidget(windowFormat(), parent, shareWidget, flags), forwardKeyEvents(forwardKeys)
 {
     // OpenSceneGraph swaps the buffers itself.
     setAutoBufferSwap(false);

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QGLWidget>
-
 #include <osg/ref_ptr>
 
-namespace osgQt
-{
+namespace osgQt {
 
 class GraphicsWindowQt;
 

@@ -4,8 +4,7 @@
 
 #include <QCursor>
 
-namespace osgQt
-{
+namespace osgQt {
 
 GraphicsWindowQt::GraphicsWindowQt(GLWidget* glWidget) : widget(glWidget)
 {

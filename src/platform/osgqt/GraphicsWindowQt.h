@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QPointer>
-
 #include <osgViewer/GraphicsWindow>
 
-namespace osgQt
-{
+namespace osgQt {
 
 class GLWidget;
 

@@ -1,0 +1,24 @@
+#version 150 compatibility
+// What floats above an item block: copies of a model and their plus or minus sign.
+
+uniform vec3 a_ItemDisplace;  // where a copy hovers, in the frame that all copies share; zero for one alone
+uniform float osg_SimulationTime;
+
+//HOTSPOT_PRE_MAIN
+
+const float turnSpeed = 1.4;     // radians a second
+const float floatHeight = 0.22;  // either way, in the items' frame, five times smaller than a cell
+const float floatSpeed = 2.2;    // radians a second
+
+void main()
+{
+    //HOTSPOT_START_MAIN
+    // The whole group turns about the cell's middle and every copy keeps its side turned outward, so that
+    // the sign is seen from all round and no copy turns into another.
+    mat3 turn = rotation(vec3(0.0, 0.0, 1.0), turnSpeed * osg_SimulationTime);
+    vec3 position = turn * (gl_Vertex.xyz + a_ItemDisplace);
+    position.z += floatHeight * sin(floatSpeed * osg_SimulationTime + a_ItemDisplace.y);
+
+    phongAt(vec4(position, 1.0), turn * gl_Normal);
+    gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
+}

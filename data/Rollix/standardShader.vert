@@ -1,0 +1,13 @@
+#version 150 compatibility
+// Plain coloured things: ground, trail, sparks, portal mouths; with lighting injected, the ball.
+
+out vec4 vertexColor;
+
+//HOTSPOT_PRE_MAIN
+
+void main()
+{
+    //HOTSPOT_START_MAIN
+    gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;
+    vertexColor = gl_Color;
+}

@@ -1,0 +1,61 @@
+#version 150 compatibility
+// A line of text: glyphs out of the font's atlas, on an outline in the backdrop's colour.
+
+// osgText passes backdrop and atlas as defines on the text's own state set.
+#pragma import_defines(BACKDROP_COLOR, OUTLINE, TEXTURE_DIMENSION, GLYPH_DIMENSION)
+
+#ifndef BACKDROP_COLOR
+#define BACKDROP_COLOR vec4(1.0)
+#endif
+#ifndef OUTLINE
+#define OUTLINE 0.0
+#endif
+#ifndef TEXTURE_DIMENSION
+#define TEXTURE_DIMENSION 1024.0
+#endif
+#ifndef GLYPH_DIMENSION
+#define GLYPH_DIMENSION 32.0
+#endif
+
+in vec2 glyphCoord;
+in vec4 glyphColor;
+
+uniform sampler2D GlyphTexture;  // how much of a texel a glyph covers, in its alpha
+
+//HOTSPOT_PRE_MAIN
+
+const int directions = 12;
+const float turn = 6.2831853;
+
+float coverage(vec2 coord)
+{
+    return texture(GlyphTexture, coord).a;
+}
+
+// The outline is the glyph grown to every side: the most that any point of a circle round it covers.
+float grownCoverage(vec2 coord, float radius)
+{
+    float most = coverage(coord);
+    for (int i = 0; i < directions; ++i) {
+        float angle = turn * float(i) / float(directions);
+        vec2 way = radius * vec2(cos(angle), sin(angle));
+        most = max(most, max(coverage(coord + way), coverage(coord + 0.5 * way)));
+    }
+    return most;
+}
+
+void main()
+{
+    //HOTSPOT_START_MAIN
+    float glyph = coverage(glyphCoord);
+    // OUTLINE is the width as a part of a glyph's size; coordinates count the whole atlas.
+    float radius = float(OUTLINE) * float(GLYPH_DIMENSION) / float(TEXTURE_DIMENSION);
+    float grown = grownCoverage(glyphCoord, radius);
+
+    vec4 backdrop = BACKDROP_COLOR;
+    vec3 color = mix(backdrop.rgb, glyphColor.rgb, glyph);
+    float alpha = glyphColor.a * max(glyph, backdrop.a * grown);
+    if (alpha <= 0.0)
+        discard;
+    gl_FragColor = vec4(color, alpha);
+}

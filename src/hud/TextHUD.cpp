@@ -1,0 +1,90 @@
+#include "hud/TextHUD.h"
+
+#include "hud/OverlayShader.h"
+#include "shaders/ShaderProgram.h"
+#include "shaders/UnreadableFile.h"
+
+#include <osgText/Font>
+
+#include <utility>
+
+namespace {
+
+constexpr const char* fontFile = "data/Bevan.ttf";
+constexpr float outlineWidth = 0.05f;  // of the character size
+const osg::Vec4f outlineColor(1.0f, 1.0f, 1.0f, 1.0f);
+
+}  // namespace
+
+TextHUD::TextHUD() = default;
+TextHUD::~TextHUD() = default;
+
+void TextHUD::init(osg::Group* parentGroup, osgViewer::View* parentView)
+{
+    AbstractHUD::init(parentGroup, parentView);
+    initShader();
+}
+
+void TextHUD::init(ContainerHUD* parentContainer)
+{
+    AbstractHUD::init(parentContainer);
+    initShader();
+}
+
+void TextHUD::initShader()
+{
+    shader = installOverlayShader(*geode, "textShader", "GlyphTexture");
+}
+
+void TextHUD::build()
+{
+    osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
+    geode->addDrawable(drawable);
+    drawable->setCharacterSize(characterSize);
+    const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
+    if (!font)
+        reportUnreadable("font", fontFile, "I write with what I have.");
+    drawable->setFont(font);
+    drawable->setText(text);
+    drawable->setBackdropColor(outlineColor);
+    drawable->setBackdropOffset(outlineWidth);
+    drawable->setBackdropImplementation(osgText::Text::STENCIL_BUFFER);
+    drawable->setBackdropType(osgText::Text::OUTLINE);
+    drawable->setAxisAlignment(osgText::TextBase::SCREEN);
+    // Whole pixels keep the glyphs sharp.
+    const int x = static_cast<int>(getWidth() * position.x());
+    const int y = static_cast<int>(getHeight() * position.y());
+    drawable->setPosition(osg::Vec3(x, y, 0));
+    drawable->setColor(color);
+    drawable->setAlignment(alignment);
+}
+
+void TextHUD::setText(std::string newText)
+{
+    text = std::move(newText);
+    refresh();
+}
+
+void TextHUD::setColor(const osg::Vec4f& newColor)
+{
+    color = newColor;
+    refresh();
+}
+
+void TextHUD::setCharacterSize(float size)
+{
+    characterSize = size;
+    refresh();
+}
+
+void TextHUD::setPosition(osg::Vec2f newPosition)
+{
+    position = newPosition;
+    refresh();
+}
+
+void TextHUD::setAlignment(osgText::TextBase::AlignmentType newAlignment)
+{
+    alignment = newAlignment;
+    refresh();
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "hud/AbstractHUD.h"
+
+#include <osg/Vec2f>
+#include <osg/Vec4f>
+#include <osgText/Text>
+
+#include <string>
+
+class ShaderProgram;
+
+/// One line of text with a white outline.
+class TextHUD : public AbstractHUD
+{
+public:
+    TextHUD();
+
+    void init(osg::Group* parent, osgViewer::View* view) override;
+    void init(ContainerHUD* container) override;
+    void build() override;
+    /// Gives the Geode the program that the glyphs are drawn with.
+    virtual void initShader();
+
+    void setText(std::string text);
+    void setColor(const osg::Vec4f& color);
+    /// Height in pixels.
+    void setCharacterSize(float size);
+    /// The anchor, in fractions of the window from its lower left corner.
+    void setPosition(osg::Vec2f position);
+    /// The point of the text that lies on the anchor.
+    void setAlignment(osgText::TextBase::AlignmentType alignment);
+
+protected:
+    ~TextHUD() override;
+
+    float characterSize = 30.0f;  // pixels
+    std::string text;
+    osg::Vec2f position{0.0f, 0.0f};
+    osgText::TextBase::AlignmentType alignment = osgText::TextBase::CENTER_CENTER;
+    osg::Vec4f color{0.0f, 0.0f, 0.0f, 1.0f};
+
+private:
+    osg::ref_ptr<ShaderProgram> shader;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QImage>
+#include <osg/Camera>
+#include <osg/ref_ptr>
+
+/// Reads back what a camera has drawn, before the buffers are swapped: other windows on the screen
+/// and the window's own place on it do not matter.
+class FrameGrab
+{
+public:
+    /// Takes the camera's final draw callback.
+    explicit FrameGrab(osg::Camera* camera);
+    ~FrameGrab();
+
+    FrameGrab(const FrameGrab&) = delete;
+    FrameGrab& operator=(const FrameGrab&) = delete;
+
+    /// The latest frame, top row first; null before the first one.
+    QImage image() const;
+
+private:
+    class ReadBack;
+
+    osg::ref_ptr<osg::Camera> camera;
+    osg::ref_ptr<ReadBack> readBack;
+};
+
+/// The number of pixels by which two pictures of one size differ, counting those where a channel
+/// differs by more than `tolerance`.
+int differingPixels(const QImage& a, const QImage& b, int tolerance = 8);

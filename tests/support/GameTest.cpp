@@ -1,0 +1,257 @@
+#include "support/GameTest.h"
+
+#include "frame/GameLoop.h"
+#include "frame/OsgViewerWidget.h"
+#include "game/Rollix.h"
+#include "hud/MenuHUD.h"
+#include "hud/TextHUD.h"
+#include "level/Ball.h"
+#include "level/Block.h"
+#include "level/Board.h"
+#include "level/Level.h"
+#include "support/FrameGrab.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QTemporaryDir>
+#include <QThread>
+#include <osg/Math>
+
+#include <cmath>
+
+namespace {
+
+constexpr int tickMilliseconds = 20;
+
+/// The game's folder: links to the true run-time files, without the level pictures.
+class GameFolder
+{
+public:
+    GameFolder()
+    {
+        const QDir source(QString(ROLLIX_SOURCE_DIR) + "/data");
+        const QDir target(folder.path());
+        target.mkpath("data/Rollix");
+        link(source, target.filePath("data"));
+        link(QDir(source.filePath("Rollix")), target.filePath("data/Rollix"));
+        QDir::setCurrent(folder.path());
+    }
+
+    QString path() const { return folder.path(); }
+
+private:
+    static void link(const QDir& source, const QString& target)
+    {
+        for (const QFileInfo& file : source.entryInfoList(QDir::Files)) {
+            if (!file.fileName().startsWith("level"))
+                QFile::link(file.absoluteFilePath(), target + "/" + file.fileName());
+        }
+    }
+
+    QTemporaryDir folder;
+};
+
+/// One window and one game a process, as in the real program.
+struct World
+{
+    GameFolder folder;
+    OsgViewerWidget* widget;
+    Rollix* game;
+    FrameGrab* grab;
+
+    World()
+    {
+        LevelPicture({"S"}).image().save("data/Rollix/level0.png");
+        widget = new OsgViewerWidget;
+        game = new Rollix(widget);
+        widget->addView(game);
+        widget->resize(800, 600);
+        widget->show();
+        GameLoop::attach(game);
+        grab = new FrameGrab(game->getCamera());
+        QCoreApplication::processEvents();
+    }
+};
+
+World& world()
+{
+    // The folder goes at exit; widget and game stay, as they do in the program.
+    static World theWorld;
+    return theWorld;
+}
+
+}  // namespace
+
+GameTest::GameTest() : game(*world().game), widget(*world().widget)
+{
+    draws(false);
+    game.messageText->hide();
+}
+
+GameTest::~GameTest()
+{
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right}) {
+        if (game.pauseMenu->isVisible())
+            game.pauseMenu->hide();
+        if (game.endMenu->isVisible())
+            game.endMenu->hide();
+        releases(key);
+    }
+}
+
+void GameTest::loads(const LevelPicture& picture, unsigned int number)
+{
+    writes(picture, number);
+    pictureWidth = picture.image().width();
+    pictureHeight = picture.image().height();
+    game.loadLevel(number);
+}
+
+void GameTest::writes(const LevelPicture& picture, unsigned int number)
+{
+    picture.image().save(QString("data/Rollix/level%1.png").arg(int(number)));
+}
+
+std::string GameTest::folder() const
+{
+    return world().folder.path().toStdString();
+}
+
+void GameTest::ticks(int count)
+{
+    for (int i = 0; i < count; ++i)
+        GameLoop::instance()->tick();
+}
+
+bool GameTest::ticksUntil(const std::function<bool()>& condition, int limit)
+{
+    for (int i = 0; i < limit; ++i) {
+        if (condition())
+            return true;
+        ticks();
+    }
+    return condition();
+}
+
+void GameTest::waits(int milliseconds)
+{
+    QElapsedTimer clock;
+    clock.start();
+    do {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QThread::msleep(1);
+    } while (clock.elapsed() < milliseconds);
+}
+
+void GameTest::plays(int milliseconds)
+{
+    playsUntil([] { return false; }, milliseconds);
+}
+
+bool GameTest::playsUntil(const std::function<bool()>& condition, int limit)
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (int played = 0; clock.elapsed() < limit; ++played) {
+        if (condition())
+            return true;
+        ticks();
+        QCoreApplication::processEvents();
+        const qint64 ahead = qint64(played + 1) * tickMilliseconds - clock.elapsed();
+        if (ahead > 0)
+            QThread::msleep(static_cast<unsigned long>(ahead));
+    }
+    return condition();
+}
+
+void GameTest::presses(Qt::Key key)
+{
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void GameTest::releases(Qt::Key key)
+{
+    QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void GameTest::holds(Qt::Key key, int tickCount)
+{
+    presses(key);
+    ticks(tickCount);
+    releases(key);
+}
+
+void GameTest::draws(bool on)
+{
+    game.getCamera()->setCullMask(on ? 0xffffffff : 0);
+}
+
+QImage GameTest::frame(bool advance)
+{
+    const osg::Node::NodeMask before = game.getCamera()->getCullMask();
+    draws(true);
+    if (advance)
+        ticks();
+    else
+        widget.frame();
+    game.getCamera()->setCullMask(before);
+    return world().grab->image();
+}
+
+osg::Matrixd GameTest::boardPose() const
+{
+    return board().getTransform()->getMatrix();
+}
+
+double GameTest::tiltDegrees() const
+{
+    const osg::Vec3d up = osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), boardPose());
+    return osg::RadiansToDegrees(std::acos(std::min(1.0, up.z())));
+}
+
+osg::Vec3d GameTest::ballPosition() const
+{
+    return ball().getTransform()->getMatrix().getTrans();
+}
+
+osg::Vec3f GameTest::ballVelocity() const
+{
+    return game.linearVelocity(ball().getId());
+}
+
+void GameTest::putsBall(const osg::Vec3d& position, const osg::Vec3f& velocity)
+{
+    game.setPose(ball().getId(), osg::Matrixd::translate(position));
+    game.setLinearVelocity(ball().getId(), velocity, true);
+    game.setAngularVelocity(ball().getId(), osg::Vec3f(), true);
+}
+
+Block* GameTest::blockAt(int column, int row) const
+{
+    const float x = (float(column) - float(pictureWidth) * 0.5f) + 0.5f;
+    const float y = (float(pictureHeight) * 0.5f - float(row)) - 0.5f;
+    for (const osg::ref_ptr<Block>& block : board().getBlocks()) {
+        if (block->x == x && block->y == y)
+            return block;
+    }
+    return nullptr;
+}
+
+Level& GameTest::level() const
+{
+    return *game.level;
+}
+
+Board& GameTest::board() const
+{
+    return *game.level->board;
+}
+
+Ball& GameTest::ball() const
+{
+    return *game.level->ball;
+}

@@ -1,0 +1,90 @@
+#include "support/LevelPicture.h"
+
+#include "level/LevelPixel.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+bool decodesTo(QRgb color, const Cell& cell)
+{
+    const LevelPixel pixel = LevelPixel::decode(color);
+    return pixel.value == cell.value &&
+           (cell.value == 0 || (pixel.hue == cell.hue && pixel.saturation == cell.saturation));
+}
+
+Cell cellOf(char letter)
+{
+    switch (letter) {
+    case '.':
+        return cells::floor;
+    case '#':
+        return cells::wall;
+    case 'T':
+        return cells::tower;
+    case 'S':
+        return cells::start;
+    case 'R':
+        return cells::required;
+    case 'O':
+        return cells::optional;
+    case 'G':
+        return cells::goal;
+    default:
+        return cells::hole;
+    }
+}
+
+}  // namespace
+
+QRgb colorOf(const Cell& cell)
+{
+    const QColor ideal =
+        QColor::fromHsv(cell.hue, cell.saturation * 255 / 100, cell.value * 255 / 100);
+    constexpr int reach = 4;
+    for (int red = -reach; red <= reach; ++red) {
+        for (int green = -reach; green <= reach; ++green) {
+            for (int blue = -reach; blue <= reach; ++blue) {
+                const QRgb color =
+                    qRgba(qBound(0, ideal.red() + red, 255), qBound(0, ideal.green() + green, 255),
+                          qBound(0, ideal.blue() + blue, 255), cell.alpha);
+                if (decodesTo(color, cell))
+                    return color;
+            }
+        }
+    }
+    ADD_FAILURE() << "no colour for hue " << cell.hue << ", saturation " << cell.saturation
+                  << ", value " << cell.value;
+    return 0;
+}
+
+LevelPicture::LevelPicture(int width, int height, const Cell& background)
+    : picture(width, height, QImage::Format_ARGB32)
+{
+    picture.fill(colorOf(background));
+}
+
+LevelPicture::LevelPicture(std::initializer_list<std::string> rows)
+{
+    paint(rows);
+}
+
+LevelPicture::LevelPicture(const std::vector<std::string>& rows)
+{
+    paint(rows);
+}
+
+void LevelPicture::paint(const std::vector<std::string>& rows)
+{
+    picture = QImage(int(rows.front().size()), int(rows.size()), QImage::Format_ARGB32);
+    for (int row = 0; row < picture.height(); ++row) {
+        for (int column = 0; column < picture.width(); ++column)
+            set(column, row, cellOf(rows[std::size_t(row)].at(std::size_t(column))));
+    }
+}
+
+LevelPicture& LevelPicture::set(int column, int row, const Cell& cell)
+{
+    picture.setPixel(column, row, colorOf(cell));
+    return *this;
+}

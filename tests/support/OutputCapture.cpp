@@ -1,0 +1,51 @@
+#include "support/OutputCapture.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+#include <unistd.h>
+
+OutputCapture::OutputCapture()
+{
+    std::cout.flush();
+    std::fflush(stdout);
+    char name[] = "/tmp/rollix-output-XXXXXX";
+    file = mkstemp(name);
+    unlink(name);
+    savedOutput = dup(STDOUT_FILENO);
+    dup2(file, STDOUT_FILENO);
+}
+
+OutputCapture::~OutputCapture()
+{
+    std::cout.flush();
+    std::fflush(stdout);
+    dup2(savedOutput, STDOUT_FILENO);
+    close(savedOutput);
+    close(file);
+}
+
+std::string OutputCapture::text() const
+{
+    std::cout.flush();
+    std::fflush(stdout);
+    std::string content;
+    char buffer[4096];
+    off_t offset = 0;
+    ssize_t got = 0;
+    while ((got = pread(file, buffer, sizeof buffer, offset)) > 0) {
+        content.append(buffer, std::size_t(got));
+        offset += got;
+    }
+    return content;
+}
+
+std::vector<std::string> OutputCapture::lines() const
+{
+    std::vector<std::string> result;
+    std::istringstream stream(text());
+    for (std::string line; std::getline(stream, line);)
+        result.push_back(line);
+    return result;
+}
