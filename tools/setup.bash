@@ -31,7 +31,7 @@ showProgress()
     while IFS= read -r line; do
         [[ $line =~ $pattern ]] || continue
         if [[ -t 1 ]]; then
-            printf '\r\e[K%s' "${line:0:$((${COLUMNS:-80} - 1))}"
+            printf '\r\e[K\e[?7l%s\e[?7h' "$line"  # without wrapping, however long it is
             drawn=yes
         elif ((SECONDS >= last + 5)); then
             echo "$line"
