@@ -24,6 +24,7 @@
 namespace {
 
 constexpr int tickMilliseconds = 20;
+// Of one shape, so that the camera's projection stays as it is.
 const QSize drawnSize(800, 600);
 const QSize undrawnSize(40, 30);
 
@@ -203,8 +204,10 @@ QImage GameTest::frame(bool advance)
         ticks();
     else
         widget.frame();
+    // Before the window shrinks again, which draws it anew.
+    const QImage image = world().grab->image();
     draws(drawn);
-    return world().grab->image();
+    return image;
 }
 
 osg::Matrixd GameTest::boardPose() const
