@@ -1,5 +1,8 @@
 #include "level/Board.h"
 
+#include "blocks/BlockItem.h"
+#include "blocks/BlockPortal.h"
+#include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/BlockCheckpoint.h"
@@ -59,6 +62,12 @@ BlockFactory factoryOf(BlockKind kind)
         return createBlockOf<BlockStandard>;
     case BlockKind::Checkpoint:
         return createBlockOf<BlockCheckpoint>;
+    case BlockKind::Trap:
+        return createBlockOf<BlockTrap>;
+    case BlockKind::Item:
+        return createBlockOf<BlockItem>;
+    case BlockKind::Portal:
+        return createBlockOf<BlockPortal>;
     default:
         return BlockFactory();
     }
