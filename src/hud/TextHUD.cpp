@@ -43,12 +43,15 @@ void TextHUD::build()
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
     geode->addDrawable(drawable);
     drawable->setCharacterSize(characterSize);
-    // A texel of the glyphs' atlas for each pixel: the atlas's own size blurs the large lines.
+    // A texel of the glyphs' atlas for each pixel: the default would blur the large lines. So
+    // nothing is ever drawn smaller than it is in the atlas, and mipmaps would only cost.
     const unsigned int resolution =
         static_cast<unsigned int>(std::ceil(std::max(characterSize, 1.0f)));
     drawable->setFontResolution(resolution, resolution);
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
-    if (!font)
+    if (font)
+        font->setMinFilterHint(osg::Texture::LINEAR);
+    else
         reportUnreadable("font", fontFile, "I write with what I have.");
     drawable->setFont(font);
     drawable->setText(text);
