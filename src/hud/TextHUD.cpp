@@ -4,9 +4,10 @@
 #include "shaders/ShaderProgram.h"
 #include "shaders/UnreadableFile.h"
 
-#include <algorithm>
+#include <osgDB/FileNameUtils>
 #include <osgText/Font>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -15,6 +16,13 @@ namespace {
 constexpr const char* fontFile = "data/Bevan.ttf";
 constexpr float outlineWidth = 0.05f;  // of the character size
 const osg::Vec4f outlineColor(1.0f, 1.0f, 1.0f, 1.0f);
+
+// For a file that is missing, any font of the system may be handed out.
+bool isOwnFont(const osgText::Font* font)
+{
+    return font &&
+           osgDB::getSimpleFileName(font->getFileName()) == osgDB::getSimpleFileName(fontFile);
+}
 
 }  // namespace
 
@@ -51,7 +59,7 @@ void TextHUD::build()
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
     if (font)
         font->setMinFilterHint(osg::Texture::LINEAR);
-    else
+    if (!isOwnFont(font))
         reportUnreadable("font", fontFile, "I write with what I have.");
     drawable->setFont(font);
     drawable->setText(text);

@@ -31,6 +31,13 @@ QSet<QString>& missingFiles()
     return files;
 }
 
+/// Files whose watch waits for the main thread; under the mutex.
+QSet<QString>& pathsToAdd()
+{
+    static QSet<QString>& paths = *new QSet<QString>;
+    return paths;
+}
+
 QString directoryOf(const QString& path)
 {
     return QFileInfo(path).path();
@@ -44,9 +51,17 @@ void FileAssociatedAsset::watchFile(std::string path)
     if (!watcher)
         makeWatcher();
     const QString key = QString::fromStdString(path);
-    // The watcher belongs to the main thread; from another one the call waits for the event loop.
-    QMetaObject::invokeMethod(watcher, [key] { watcher->addPath(key); });
     assets.insert(key, this);
+    // The watcher belongs to the main thread; from another one the call waits for the event loop,
+    // and one call that waits is enough for all who want the same file meanwhile.
+    if (pathsToAdd().contains(key))
+        return;
+    pathsToAdd().insert(key);
+    QMetaObject::invokeMethod(watcher, [key] {
+        QMutexLocker lockerOfAddition(&assetsMutex());
+        pathsToAdd().remove(key);
+        watcher->addPath(key);
+    });
 }
 
 void FileAssociatedAsset::unwatchFile(std::string path)
