@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <osg/ref_ptr>
 
-#include <atomic>
 #include <functional>
 #include <set>
 #include <string>
@@ -270,9 +269,8 @@ TEST_F(FileAssociatedAssetTest, AcceptsAssetsOfAnotherThreadWhileFilesAreSaved)
     auto witness = makesAsset();
     witness->watchFile(path);
     OutputCapture output;
-    std::atomic<bool> stop{false};
     std::thread other([&] {
-        while (!stop) {
+        for (int i = 0; i < 5000; ++i) {
             osg::ref_ptr<TestAsset> passing = new TestAsset({});
             passing->watchFile(path);
         }
@@ -283,6 +281,18 @@ TEST_F(FileAssociatedAssetTest, AcceptsAssetsOfAnotherThreadWhileFilesAreSaved)
         appendsTo(path);
         EXPECT_TRUE(waitUntil([&] { return witness->calls > before; }));
     }
-    stop = true;
     other.join();
+}
+
+TEST_F(FileAssociatedAssetTest, HearsOfAFileThatIsWatchedFromAnotherThread)
+{
+    const std::string path = writesFile("elsewhere.glsl");
+    auto asset = makesAsset();
+    std::thread([&] { asset->watchFile(path); }).join();
+    QCoreApplication::processEvents();
+    OutputCapture output;
+
+    appendsTo(path);
+
+    EXPECT_TRUE(waitUntil([&] { return asset->calls > 0; }));
 }
