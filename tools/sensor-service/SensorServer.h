@@ -5,9 +5,8 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
-#include <QVector>
 
-#include <memory>
+#include <vector>
 
 class QWebSocket;
 class QWebSocketServer;
@@ -74,9 +73,9 @@ private:
 
     Behaviour behaviour;
     HandPlayer handPlayer;
-    std::unique_ptr<QWebSocketServer> server;
+    QWebSocketServer* server;  ///< a child, which moves to another thread along with its parent
     QTimer timer;
-    QVector<Client> clients;
+    std::vector<Client> clients;
     qint64 connections = 0;
     QStringList messages;
 };

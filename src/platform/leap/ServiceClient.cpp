@@ -53,6 +53,8 @@ ServiceClient::ServiceClient(std::shared_ptr<Session> session_) : session(std::m
     // back with the window's, and taken again. Until a window was active nothing is given back:
     // without a window manager none may ever be.
     if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        // The signal comes from another thread, and the library has not told itself of this type.
+        qRegisterMetaType<Qt::ApplicationState>();
         connect(application, &QGuiApplication::applicationStateChanged, this,
                 [this](Qt::ApplicationState state) { setFocus(state == Qt::ApplicationActive); });
     }

@@ -57,7 +57,10 @@ ServiceThread::~ServiceThread()
     wait();
 }
 
-void ServiceThread::stopAtExit() { std::atexit(stopAll); }
+void ServiceThread::stopAtExit()
+{
+    std::atexit(stopAll);
+}
 
 void ServiceThread::run()
 {
