@@ -319,7 +319,7 @@ void Rollix::onContact(const physx::PxContactPairHeader& header, const physx::Px
 
 void Rollix::onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count)
 {
-    constexpr auto shapeRemoved = physx::PxTriggerPairFlag::eREMOVED_SHAPE_TRIGGER |
+    const auto shapeRemoved = physx::PxTriggerPairFlag::eREMOVED_SHAPE_TRIGGER |
                                   physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
     const unsigned int ballId = level->ball->getId();
     for (physx::PxU32 i = 0; i < count; ++i) {
@@ -327,13 +327,13 @@ void Rollix::onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count)
         if (pair.flags & shapeRemoved)
             continue;
         // The pair in the form of a contact, so that the same queries serve.
-        physx::PxContactPairHeader actors;
-        actors.actors[0] = pair.triggerActor;
-        actors.actors[1] = pair.otherActor;
+        physx::PxContactPairHeader actorPair;
+        actorPair.actors[0] = pair.triggerActor;
+        actorPair.actors[1] = pair.otherActor;
         physx::PxContactPair shapes;
         shapes.shapes[0] = pair.triggerShape;
         shapes.shapes[1] = pair.otherShape;
-        if (isContactOf(ballId, actors) && isShapeContactBetween(boardGroup, ballGroup, shapes))
-            level->board->onBallTrigger(pair, actors);
+        if (isContactOf(ballId, actorPair) && isShapeContactBetween(boardGroup, ballGroup, shapes))
+            level->board->onBallTrigger(pair, actorPair);
     }
 }

@@ -1,6 +1,7 @@
 #include "support/FrameGrab.h"
 
 #include <osg/Image>
+#include <osg/RenderInfo>
 #include <osg/Viewport>
 
 #include <cstdlib>
