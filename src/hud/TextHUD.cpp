@@ -4,8 +4,10 @@
 #include "shaders/ShaderProgram.h"
 #include "shaders/UnreadableFile.h"
 
+#include <algorithm>
 #include <osgText/Font>
 
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -41,6 +43,10 @@ void TextHUD::build()
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
     geode->addDrawable(drawable);
     drawable->setCharacterSize(characterSize);
+    // A texel of the glyphs' atlas for each pixel: the atlas's own size blurs the large lines.
+    const unsigned int resolution =
+        static_cast<unsigned int>(std::ceil(std::max(characterSize, 1.0f)));
+    drawable->setFontResolution(resolution, resolution);
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
     if (!font)
         reportUnreadable("font", fontFile, "I write with what I have.");

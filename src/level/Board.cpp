@@ -1,7 +1,10 @@
 #include "level/Board.h"
 
+#include "blocks/BlockElevator.h"
+#include "blocks/BlockGhost.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
+#include "level/BlockButton.h"
 #include "level/BlockCheckpoint.h"
 #include "level/BlockStandard.h"
 #include "level/FilterGroups.h"
@@ -60,6 +63,12 @@ BlockFactory factoryOf(BlockKind kind)
         return createBlockOf<BlockStandard>;
     case BlockKind::Checkpoint:
         return createBlockOf<BlockCheckpoint>;
+    case BlockKind::Button:
+        return createBlockOf<BlockButton>;
+    case BlockKind::Ghost:
+        return createBlockOf<BlockGhost>;
+    case BlockKind::Elevator:
+        return createBlockOf<BlockElevator>;
     default:
         return BlockFactory();
     }
