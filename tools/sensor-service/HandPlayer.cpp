@@ -1,7 +1,6 @@
 #include "HandPlayer.h"
 
 #include <algorithm>
-
 #include <cmath>
 
 namespace {

@@ -3,6 +3,7 @@
 #include <QHostAddress>
 #include <QWebSocket>
 #include <QWebSocketServer>
+
 #include <algorithm>
 
 namespace {
@@ -64,7 +65,8 @@ void SensorServer::sendFrame()
     const QByteArray withGestures = frameMessage(frame);
     const bool someoneElseHasFocus = focusedCount() > 0;
     for (const Client& client : clients) {
-        if (client.focused || (client.background && !someoneElseHasFocus)) {
+        if (!behaviour.mindsFocus || client.focused ||
+            (client.background && !someoneElseHasFocus)) {
             client.socket->sendTextMessage(
                 QString::fromUtf8(client.gestures ? withGestures : plain));
         }

@@ -25,6 +25,8 @@ public:
         /// not, and their clients have only the moving finger to go by.
         bool recognizesGestures = true;
         bool greets = true;
+        /// Off, every client gets the frames, whatever window is active.
+        bool mindsFocus = true;
         QByteArray hello;  ///< sent instead of the right one, unless empty
     };
 

@@ -3,7 +3,6 @@
 #include "platform/leap/VectorMath.h"
 
 #include <algorithm>
-
 #include <cmath>
 
 namespace Leap {

@@ -88,7 +88,8 @@ void ServiceClient::connectToService()
 void ServiceClient::receive(const QString& text)
 {
     heard = true;
-    switch (conversation->receive(text.toUtf8())) {
+    const QByteArray bytes = text.toUtf8();
+    switch (conversation->receive({bytes.constData(), static_cast<std::size_t>(bytes.size())})) {
     case Conversation::Verdict::GoOn:
         break;
     case Conversation::Verdict::Greeted:

@@ -4,7 +4,6 @@
 #include "platform/leap/Session.h"
 
 #include <algorithm>
-
 #include <cstdlib>
 #include <mutex>
 #include <utility>

@@ -337,17 +337,18 @@ TEST(GestureRecognizer, SeesNothingInAFlatHandThatSteers)
         std::mt19937 random(3);
         std::normal_distribution<float> push(0.0f, 1.0f);
         int gestures = 0;
-        // A minute of a player's tilting: smooth, random, up to about half a radian.
+        // Twenty seconds of a player's tilting: smooth, random, up to about half a radian.
         float pitch = 0.0f;
         float roll = 0.0f;
-        for (int i = 0; i < 60 * rate; ++i) {
+        for (int i = 0; i < 20 * rate; ++i) {
             const float step = 1.0f / static_cast<float>(rate);
             pitch += step * (-1.0f * pitch) + std::sqrt(step) * 0.35f * push(random);
             roll += step * (-1.0f * roll) + std::sqrt(step) * 0.35f * push(random);
             PlayedHand& hand = player.hands[0];
             hand.pitch += (pitch - hand.pitch) * std::min(1.0f, 8.0f * step);
             hand.roll += (roll - hand.roll) * std::min(1.0f, 8.0f * step);
-            FrameData frame = Leap::parseMessage(frameMessage(player.nextFrame())).frame;
+            FrameData frame =
+                Leap::parseMessage(frameMessage(player.nextFrame()).toStdString()).frame;
             recognizer.recognize(frame);
             gestures += static_cast<int>(frame.gestures.size());
         }

@@ -450,7 +450,8 @@ TEST(LeapLayer, ReadsAMessageOfAlmostAMegabyteAndDropsWhatIsMalformed)
     const QByteArray large = emptyFrame(5);
     service.sendsText("{\"id\":nan}");
     service.sendsText("{\"id\":4,\"timestamp\":1,\"hands\":" + QByteArray(5000, '[') + "}");
-    service.sendsText(large + QByteArray(Leap::longestMessage - large.size(), ' '));
+    service.sendsText(large +
+                      QByteArray(static_cast<int>(Leap::longestMessage) - large.size(), ' '));
     ASSERT_TRUE(game.eventually([&] { return game.player.frames == 1; }));
     EXPECT_EQ(game.player.lastFrame().id(), 5);
     EXPECT_EQ(service.connectionCount(), 1);

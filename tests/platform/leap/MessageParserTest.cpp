@@ -4,22 +4,28 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <algorithm>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
 using Leap::FrameData;
 using Leap::Gesture;
 using Leap::Message;
-using Leap::parseMessage;
 
 namespace {
 
+constexpr int longest = static_cast<int>(Leap::longestMessage);
+
+Message parseMessage(const QByteArray& text)
+{
+    return Leap::parseMessage({text.constData(), static_cast<std::size_t>(text.size())});
+}
+
 QByteArray recorded(const char* name)
 {
-    QFile file(QStringLiteral("tests/platform/leap/messages/%1.json").arg(QLatin1String(name)));
+    QFile file(QStringLiteral("tests/fuzz/seeds/%1.json").arg(QLatin1String(name)));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
     return file.readAll();
 }
@@ -296,8 +302,8 @@ TEST(MessageParser, RefusesMessagesOverAMegabyte)
         QByteArray text = frameOf("[]");
         return text + QByteArray(size - text.size(), ' ');
     };
-    EXPECT_FALSE(isMalformed(padded(Leap::longestMessage)));
-    EXPECT_TRUE(isMalformed(padded(Leap::longestMessage + 1)));
+    EXPECT_FALSE(isMalformed(padded(longest)));
+    EXPECT_TRUE(isMalformed(padded(longest + 1)));
     EXPECT_TRUE(isMalformed(padded(10 * 1024 * 1024)));
 }
 
@@ -305,7 +311,7 @@ TEST(MessageParser, NeedsLessThanFiftyMillisecondsForAMessageUnderAMegabyte)
 {
     const auto filled = [](const QByteArray& item) {
         QByteArray hands = "[" + item;
-        while (hands.size() + item.size() < Leap::longestMessage - 100) {
+        while (hands.size() + item.size() < longest - 100) {
             hands += "," + item;
         }
         return frameOf(hands + "]");
