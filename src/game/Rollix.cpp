@@ -180,13 +180,16 @@ void Rollix::levelFailed()
 }
 
 ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles)
+                                            std::initializer_list<std::string> preMainFiles,
+                                            const std::string& startMainCode)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
     if (!shader) {
         shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
         for (const std::string& file : preMainFiles)
             shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
+        if (!startMainCode.empty())
+            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
     }
     return shader;
 }

@@ -2,6 +2,9 @@
 
 #include "blocks/BlockElevator.h"
 #include "blocks/BlockGhost.h"
+#include "blocks/BlockItem.h"
+#include "blocks/BlockPortal.h"
+#include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/BlockButton.h"
@@ -69,6 +72,12 @@ BlockFactory factoryOf(BlockKind kind)
         return createBlockOf<BlockGhost>;
     case BlockKind::Elevator:
         return createBlockOf<BlockElevator>;
+    case BlockKind::Trap:
+        return createBlockOf<BlockTrap>;
+    case BlockKind::Item:
+        return createBlockOf<BlockItem>;
+    case BlockKind::Portal:
+        return createBlockOf<BlockPortal>;
     default:
         return BlockFactory();
     }
