@@ -1,10 +1,11 @@
 // Lighting, fragment side: one point light of the scene with a Blinn-Phong highlight, and a sky above a
 // darker ground instead of a flat ambient term, so that faces turned from the light keep their shape.
+// Written for processors as much as for graphics cards: what is linear over a face comes interpolated.
 
 in vec3 eyePosition;
 in vec3 eyeNormal;
+in vec3 eyeToLight;
 
-uniform vec3 a_LightPos;      // world coordinates, set once on the root of the scene
 uniform mat4 osg_ViewMatrix;  // world to eye, set by the scene graph for every view
 
 const vec3 skyLight = vec3(0.44, 0.46, 0.52);
@@ -15,23 +16,23 @@ const vec3 lampLight = vec3(0.80, 0.77, 0.70);
 // made it. The face itself still knows how it lies.
 vec3 phongNormal()
 {
-    if (dot(eyeNormal, eyeNormal) > 1.0e-8)
-        return normalize(eyeNormal);
-    vec3 face = normalize(cross(dFdx(eyePosition), dFdy(eyePosition)));
-    return dot(face, eyePosition) < 0.0 ? face : -face;
+    vec3 normal = dot(eyeNormal, eyeNormal) > 1.0e-8 ? eyeNormal : cross(dFdx(eyePosition), dFdy(eyePosition));
+    return normalize(normal);
 }
 
 // The colour of a surface under the light. gloss is the strength of the highlight, 0 to 1, and
 // shininess the Blinn-Phong exponent that says how small it is.
 vec3 phong(vec3 surface, vec3 normal, float gloss, float shininess)
 {
-    vec3 toLight = normalize((osg_ViewMatrix * vec4(a_LightPos, 1.0)).xyz - eyePosition);
+    vec3 toLight = normalize(eyeToLight);
     vec3 toEye = normalize(-eyePosition);
     vec3 up = osg_ViewMatrix[2].xyz;
 
     vec3 ambient = mix(groundLight, skyLight, 0.5 + 0.5 * dot(normal, up));
     float diffuse = max(dot(normal, toLight), 0.0);
-    float highlight = pow(max(dot(normal, normalize(toLight + toEye)), 0.0), shininess);
+    // Schlick's fraction falls off like the power with this exponent and costs a division.
+    float aligned = max(dot(normal, normalize(toLight + toEye)), 0.0);
+    float highlight = aligned / (shininess - shininess * aligned + aligned);
 
     return surface * (ambient + lampLight * diffuse) + lampLight * (gloss * highlight);
 }

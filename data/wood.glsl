@@ -5,8 +5,9 @@
 const float ringsPerUnit = 2.6;
 const float ringWander = 0.55;    // how far a ring strays from its circle, in units
 const vec3 ringStretch = vec3(0.16, 0.55, 0.55);  // strays slowly along the log, faster across it
-const vec3 poreStretch = vec3(1.6, 21.0, 21.0);   // pores are thin and long
-const float poreDetail = 0.035;   // units a pixel from which on pores are too small to be seen
+const vec3 poreCells = vec3(2.6, 30.0, 30.0);  // a unit: pores are thin and long
+const float poreShare = 0.35;     // of the cells, that have one
+const float poreDetail = 0.03;    // units a pixel from which on pores are too small to be seen
 
 // How dark the grain is at a point of the log (its axis along x), 0 between rings to 1 in a ring's dark
 // late wood. pixelSize is the width of a screen pixel there, in units.
@@ -21,10 +22,12 @@ float woodGrain(vec3 place, float pixelSize)
     // Where the cut follows a ring the board shows broad flames; a slow change of depth keeps them alive.
     grain *= 0.75 + 0.35 * wander;
 
-    if (pixelSize < poreDetail) {
-        float pores = classicNoise(place * poreStretch);
-        grain += 0.38 * smoothstep(0.15, 0.75, pores) * (1.0 - pixelSize / poreDetail);
-    }
+    vec3 cell = floor(place * poreCells);
+    vec3 inCell = place * poreCells - cell;
+    vec3 round = inCell * (1.0 - inCell);
+    float chance = float(noiseHash(uvec3(ivec3(cell))) & 1023u) / 1023.0;
+    float pore = step(chance, poreShare) * 64.0 * round.x * round.y * round.z;
+    grain += 0.42 * pore * max(1.0 - pixelSize / poreDetail, 0.0);
     return clamp(grain, 0.0, 1.0);
 }
 

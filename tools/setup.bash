@@ -11,7 +11,8 @@ playPackages=(
     libqt5opengl5-dev libqt5websockets5-dev libsndfile1-dev qtbase5-dev
 )
 testPackages=(
-    clang-format faketime imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool xvfb
+    clang-format-14 faketime git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool
+    xvfb
 )
 
 say() { echo "$command: $*"; }

@@ -1,14 +1,12 @@
 #version 150 compatibility
 // The cloth of a flag: one colour for a checkpoint, chequers for the goal.
 
-in vec3 eyePosition;
 in vec3 eyeNormal;
+in vec3 eyeToLight;
 in vec2 cloth;
 
 uniform int a_FlagType;    // 1 checkpoint, 2 goal
 uniform vec4 a_FlagColor;  // of a checkpoint; a goal has none
-uniform vec3 a_LightPos;   // world coordinates
-uniform mat4 osg_ViewMatrix;
 
 //HOTSPOT_PRE_MAIN
 
@@ -32,8 +30,7 @@ vec3 clothColor()
 void main()
 {
     //HOTSPOT_START_MAIN
-    vec3 toLight = normalize((osg_ViewMatrix * vec4(a_LightPos, 1.0)).xyz - eyePosition);
     // Thin cloth is lit from either side alike, and lets some light through.
-    float facing = abs(dot(normalize(eyeNormal), toLight));
+    float facing = abs(dot(normalize(eyeNormal), normalize(eyeToLight)));
     gl_FragColor = vec4(clothColor() * (0.62 + 0.5 * facing), 1.0);
 }

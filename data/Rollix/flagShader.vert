@@ -5,9 +5,11 @@ uniform vec3 a_Pose;                 // offset from where it was made, in units
 uniform vec3 a_PoseAnimationTarget;
 uniform float a_PoseAnimationStart;  // seconds of the simulation's clock
 uniform float a_PoseAnimationEnd;
+uniform vec3 a_LightPos;             // world coordinates
+uniform mat4 osg_ViewMatrix;
 
-out vec3 eyePosition;
 out vec3 eyeNormal;
+out vec3 eyeToLight;
 out vec2 cloth;  // place on the cloth, 0 at pole and lower edge, 1 at the loose end and upper edge
 
 //HOTSPOT_PRE_MAIN
@@ -39,7 +41,7 @@ void main()
     position += mix(a_Pose, a_PoseAnimationTarget,
                     easeInOut(easeProgress(a_PoseAnimationStart, a_PoseAnimationEnd)));
 
-    eyePosition = (gl_ModelViewMatrix * vec4(position, 1.0)).xyz;
     eyeNormal = gl_NormalMatrix * vec3(slope, -1.0, 0.0);
+    eyeToLight = (osg_ViewMatrix * vec4(a_LightPos, 1.0) - gl_ModelViewMatrix * vec4(position, 1.0)).xyz;
     gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
 }

@@ -6,17 +6,20 @@ uniform float osg_SimulationTime;
 
 //HOTSPOT_PRE_MAIN
 
-const float turnSpeed = 1.4;     // radians a second
-const float floatHeight = 0.22;  // either way, in the items' frame, five times smaller than a cell
+const float turnSpeed = 1.6;     // radians a second
+const float signSway = 0.45;     // radians, either way
+const float floatHeight = 0.12;  // either way, in the items' frame, five times smaller than a cell
 const float floatSpeed = 2.2;    // radians a second
 
 void main()
 {
     //HOTSPOT_START_MAIN
-    // The whole group turns about the cell's middle and every copy keeps its side turned outward, so that
-    // the sign is seen from all round and no copy turns into another.
-    mat3 turn = rotation(vec3(0.0, 0.0, 1.0), turnSpeed * osg_SimulationTime);
-    vec3 position = turn * (gl_Vertex.xyz + a_ItemDisplace);
+    // Copies turn, each about its own middle; the sign, the one thing that stands to the left, only sways:
+    // edge-on it could not be read.
+    float angle = a_ItemDisplace.x < 0.0 ? signSway * sin(turnSpeed * osg_SimulationTime)
+                                         : turnSpeed * osg_SimulationTime;
+    mat3 turn = rotation(vec3(0.0, 0.0, 1.0), angle);
+    vec3 position = turn * gl_Vertex.xyz + a_ItemDisplace;
     position.z += floatHeight * sin(floatSpeed * osg_SimulationTime + a_ItemDisplace.y);
 
     phongAt(vec4(position, 1.0), turn * gl_Normal);

@@ -9,6 +9,7 @@ uniform bool a_PortalActive;          // the three matrices are only set while t
 uniform mat4 a_PortalSenderMatrix;    // block to world
 uniform mat4 a_PortalReceiverMatrix;  // frame one unit out of the block's mouth to world
 uniform mat4 a_PortalRotationMatrix;  // way into the sender to way out of the receiver
+uniform vec3 a_LightPos;               // world coordinates
 uniform mat4 osg_ViewMatrix;
 uniform mat4 osg_ViewMatrixInverse;
 uniform mat4 osg_ProjectionMatrix;
@@ -22,6 +23,7 @@ out vec4 ballColor;
 out vec3 ballPosition;   // on the ball
 out vec3 eyePosition;
 out vec3 eyeNormal;
+out vec3 eyeToLight;
 out float shown;         // below zero: the other mouth shows this point
 
 //HOTSPOT_PRE_MAIN
@@ -57,10 +59,12 @@ float outsideSender(vec3 point, bool down)
 
 void emitTriangle(mat4 eyeToEye, vec3 side)
 {
+    vec3 eyeLight = (osg_ViewMatrix * vec4(a_LightPos, 1.0)).xyz;
     for (int i = 0; i < 3; ++i) {
         vec4 eye = eyeToEye * vec4(vertexEyePosition[i], 1.0);
         eyePosition = eye.xyz;
         eyeNormal = mat3(eyeToEye) * vertexEyeNormal[i];
+        eyeToLight = eyeLight - eyePosition;
         ballColor = vertexColor[i];
         ballPosition = vertexModelPosition[i];
         shown = side[i];

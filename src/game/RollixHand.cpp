@@ -88,8 +88,9 @@ void Rollix::awaitRestPose(const Leap::Frame& frame)
             messageText->hide();
         } else {
             // Show the player where the hand is: the guide plate tilts as the palm does.
-            actorTransforms[level->board->guideId]->setMatrix(
-                osg::Matrixd::rotate(boardDown, hand.down));
+            osg::MatrixTransform* guide = actorTransforms[level->board->guideId];
+            guide->setMatrix(osg::Matrixd::rotate(boardDown, hand.down));
+            guide->setNodeMask(0xffffffff);
         }
     }
     GameLoop::unlock();

@@ -13,6 +13,7 @@
 #include "level/Random.h"
 
 #include <QImage>
+#include <osg/PolygonOffset>
 #include <osg/ShapeDrawable>
 
 #include <functional>
@@ -205,9 +206,13 @@ void Board::createGuide(int columns, int rows)
     osg::ref_ptr<osg::MatrixTransform> guideTransform = new osg::MatrixTransform;
     guideTransform->addChild(guide);
     guideTransform->setCullCallback(new SynchronizerCallback(game()));
+    // Without a hand there is no pose to show: the first hand that is seen brings the plate up.
+    guideTransform->setNodeMask(0);
     osg::StateSet* stateSet = guideTransform->getOrCreateStateSet();
     stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);
     stateSet->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
+    // Its faces lie where the tops of unit walls are; those stay in front.
+    stateSet->setAttributeAndModes(new osg::PolygonOffset(1.0f, 1.0f), osg::StateAttribute::ON);
     level->addChild(guideTransform);
     game()->setActorTransform(guideId, guideTransform);
 }

@@ -129,7 +129,7 @@ public:
     /// Queued. PhysX knows no continuous detection for kinematic bodies: the wish is kept and takes
     /// effect as soon as the body is dynamic.
     void setCcdEnabled(unsigned int id, bool enabled);
-    /// Queued. An unknown motion changes nothing.
+    /// Queued. An unknown motion changes nothing; a body that gravity gets hold of again wakes.
     void setMotion(unsigned int id, unsigned int motion);
     /// Queued. Trigger shapes go on working.
     void setCollisionEnabled(unsigned int id, bool enabled);
@@ -146,7 +146,8 @@ public:
 
     /// The id is free at once, the joint holds until the next step.
     void removeJoint(unsigned int jointId);
-    /// Queued. Target and velocities in the frame of the joint's second actor.
+    /// Queued. The target is where the second actor's frame shall be as seen from the first's: to
+    /// send the first actor up, it lies below. Wakes both.
     void driveJoint(unsigned int jointId, const osg::Matrixd& target,
                     const osg::Vec3f& linearVelocity, const osg::Vec3f& angularVelocity);
     bool setD6Drive(unsigned int jointId, unsigned int driveIndex, float stiffness, float damping,
@@ -155,8 +156,8 @@ public:
     /// count only for the motion "limited".
     bool setD6Motion(unsigned int jointId, unsigned int axis, unsigned int motion, float limit,
                      float contactDistance);
-    /// A negative distance means no such limit. The joint pulls past maximum plus tolerance. The
-    /// stiffness has no effect as long as nobody enables the joint's spring.
+    /// A negative distance means no such limit. The joint is slack from minimum less tolerance to
+    /// maximum plus tolerance. The stiffness has no effect while nobody enables the joint's spring.
     bool setDistanceLimit(unsigned int jointId, float minDistance, float maxDistance,
                           float tolerance, float stiffness);
     bool setSphericalLimit(unsigned int jointId, float yAngle, float zAngle, float contactDistance);

@@ -1,4 +1,5 @@
 #include "physics/PhysxConversions.h"
+#include "physics/PhysxLists.h"
 #include "physics/PhysxManager.h"
 #include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
@@ -30,14 +31,7 @@ void renewOtherJointsOf(PxRigidActor* first, PxRigidActor* second)
     if (!first || !second)
         return;
     PxRigidActor* fewer = first->getNbConstraints() < second->getNbConstraints() ? first : second;
-    std::vector<PxConstraint*> constraints(fewer->getNbConstraints());
-    fewer->getConstraints(constraints.data(), static_cast<PxU32>(constraints.size()));
-    for (PxConstraint* constraint : constraints) {
-        PxU32 kind = 0;
-        void* reference = constraint->getExternalReference(kind);
-        if (kind != PxConstraintExtIDs::eJOINT)
-            continue;
-        auto* joint = static_cast<PxJoint*>(reference);
+    for (PxJoint* joint : jointsOf(*fewer)) {
         PxRigidActor* pair[2];
         joint->getActors(pair[0], pair[1]);
         if ((pair[0] != first || pair[1] != second) && (pair[0] != second || pair[1] != first))
@@ -228,14 +222,15 @@ bool PhysxScene::setDistanceLimit(unsigned int jointId, float minDistance, float
         findJointOf<PxDistanceJoint>(jointId, "distance", "He cannot have a distance joint limit.");
     if (!joint)
         return false;
-    joint->setMinDistance(minDistance);
+    // The joint is to be slack until the tolerance is used up as well. This solver lets nothing
+    // pass the bare limits, and only leaves the tolerance out of the pull back: the board hangs on
+    // joints that are stretched past their maximum in play, and it would stall at ten degrees. So
+    // the tolerance goes into the limits, and must not count a second time.
+    joint->setMinDistance(std::max(0.0f, minDistance - tolerance));
     joint->setDistanceJointFlag(PxDistanceJointFlag::eMIN_DISTANCE_ENABLED, minDistance >= 0.0f);
-    // From the maximum on this solver lets nothing stretch further, and only takes the tolerance
-    // off the pull back. The joint is to be slack until both are used up: the board hangs on four
-    // whose stretch passes the maximum in play, and which would stall it at ten degrees.
-    joint->setMaxDistance(maxDistance + tolerance);
+    joint->setMaxDistance(std::max(0.0f, maxDistance + tolerance));
     joint->setDistanceJointFlag(PxDistanceJointFlag::eMAX_DISTANCE_ENABLED, maxDistance >= 0.0f);
-    joint->setTolerance(tolerance);
+    joint->setTolerance(0.0f);
     joint->setStiffness(stiffness);
     return true;
 }

@@ -22,7 +22,7 @@ class Rollix;
 /// pictures other than those that the test draws.
 class GameTest : public ::testing::Test
 {
-protected:
+public:
     GameTest();
     ~GameTest() override;
 

@@ -14,6 +14,7 @@ struct SoundFile
 
     /// Decodes a file of any format that libsndfile knows. One channel goes to both sides, as it
     /// stands; of more than two, both sides get the mean. FMOD_ERR_FILE_NOTFOUND, _FILE_BAD,
-    /// _FORMAT, _FILE_EOF (no frame in it) or _MEMORY (too long) on failure.
+    /// _FORMAT, _FILE_EOF (no frame in it) or _MEMORY (too long) on failure. Of a damaged file,
+    /// what can be decoded is taken; its decoder may complain on standard error.
     FMOD_RESULT read(const char* path);
 };

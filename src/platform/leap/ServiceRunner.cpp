@@ -1,5 +1,6 @@
 #include "platform/leap/ServiceRunner.h"
 
+#include "platform/leap/ServiceThread.h"
 #include "platform/leap/Session.h"
 
 #include <utility>
@@ -13,6 +14,7 @@ ServiceRunner::ServiceRunner(std::shared_ptr<Session> session_)
 
 ServiceRunner::~ServiceRunner()
 {
+    service.reset();
     session->stop();
     if (listeners.get_id() == std::this_thread::get_id()) {
         listeners.detach();

@@ -5,6 +5,7 @@
 
 namespace Leap {
 
+class ServiceThread;
 class Session;
 
 /// The two threads behind a controller: one talks to the service, the other one calls the
@@ -22,6 +23,7 @@ public:
 
 private:
     std::shared_ptr<Session> session;
+    std::unique_ptr<ServiceThread> service;
     std::thread listeners;
 };
 

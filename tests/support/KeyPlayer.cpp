@@ -1,0 +1,114 @@
+#include "support/KeyPlayer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr double secondsPerTick = 1.0 / 30.0;
+constexpr double rollingGravity = 9.81 * 5.0 / 7.0;  // of a solid ball that does not slip
+constexpr double approach = 1.6;       // wanted speed per unit of distance, 1/s
+constexpr double obedience = 3.0;      // wanted acceleration per unit of missing speed, 1/s
+constexpr double largestTilt = 0.3;    // of the board's normal against the vertical
+constexpr double tiltObedience = 6.0;  // wanted turn per unit of missing tilt, 1/s
+constexpr double largestTurn = 0.9;    // rad/s
+constexpr double deadZone = 0.06;      // rad/s: a key gives 0.1 a tick
+
+double within(double value, double limit)
+{
+    return std::clamp(value, -limit, limit);
+}
+
+}  // namespace
+
+KeyPlayer::KeyPlayer(const LevelMap& levelMap, KeyAction pressAction, KeyAction releaseAction) :
+    map(levelMap),
+    pressKey(std::move(pressAction)),
+    releaseKey(std::move(releaseAction)),
+    allowed([](const CellPosition&, const CellPosition&) { return true; })
+{
+}
+
+osg::Vec3d KeyPlayer::onBoard(const PlayerView& view) const
+{
+    return view.ball * osg::Matrixd::inverse(view.board);
+}
+
+CellPosition KeyPlayer::cellOf(const PlayerView& view) const
+{
+    const osg::Vec3d ball = onBoard(view);
+    return map.cellAt(ball.x(), ball.y());
+}
+
+std::vector<CellPosition> KeyPlayer::wayTo(const CellPosition& target,
+                                           const CellPosition& from) const
+{
+    return map.way(from, target, allowed, drop);
+}
+
+bool KeyPlayer::rollTowards(const CellPosition& target, const PlayerView& view)
+{
+    const std::vector<CellPosition> way = wayTo(target, cellOf(view));
+    if (way.empty()) {
+        hold(view);
+        return false;
+    }
+    // To the end of the straight run that the way begins with.
+    std::size_t corner = std::min<std::size_t>(1, way.size() - 1);
+    while (corner + 1 < way.size() &&
+           way[corner + 1].column - way[corner].column == way[1].column - way[0].column &&
+           way[corner + 1].row - way[corner].row == way[1].row - way[0].row)
+        ++corner;
+    const osg::Vec3d ball = onBoard(view);
+    const osg::Vec2d missing(map.x(way[corner]) - ball.x(), map.y(way[corner]) - ball.y());
+    steer(osg::Vec2d(within(missing.x() * approach, speed), within(missing.y() * approach, speed)),
+          view);
+    return true;
+}
+
+void KeyPlayer::hold(const PlayerView& view)
+{
+    steer(osg::Vec2d(0.0, 0.0), view);
+}
+
+void KeyPlayer::steer(const osg::Vec2d& wantedVelocity, const PlayerView& view)
+{
+    // The board turns freely about its vertical axis: what is wanted on it has to be turned along.
+    const osg::Vec3d wanted = osg::Matrixd::transform3x3(
+        osg::Vec3d(wantedVelocity.x(), wantedVelocity.y(), 0.0), view.board);
+    const osg::Vec3d up = osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), view.board);
+    const osg::Vec3d turn = (up - lastUp) / secondsPerTick;
+    lastUp = up;
+
+    const auto turnError = [&](double wantedSpeed, double currentSpeed, double tilt, double rate) {
+        const double wantedTilt =
+            within((wantedSpeed - currentSpeed) * obedience / rollingGravity, largestTilt);
+        return within((wantedTilt - tilt) * tiltObedience, largestTurn) - rate;
+    };
+    drive(turnError(wanted.x(), view.velocity.x(), up.x(), turn.x()), Qt::Key_Right, Qt::Key_Left);
+    drive(turnError(wanted.y(), view.velocity.y(), up.y(), turn.y()), Qt::Key_Up, Qt::Key_Down);
+}
+
+void KeyPlayer::drive(double error, Qt::Key towards, Qt::Key away)
+{
+    press(towards, error > deadZone);
+    press(away, error < -deadZone);
+}
+
+void KeyPlayer::press(Qt::Key key, bool isDown)
+{
+    if (down[key] == isDown)
+        return;
+    down[key] = isDown;
+    if (isDown)
+        pressKey(key);
+    else
+        releaseKey(key);
+}
+
+void KeyPlayer::letGo()
+{
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right})
+        press(key, false);
+}

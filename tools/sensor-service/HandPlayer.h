@@ -1,0 +1,42 @@
+#pragma once
+
+#include "FrameWriter.h"
+
+#include <QVector>
+
+/// Moves the first hand's index finger through the gestures asked for, frame by frame, and reports
+/// them when a real service would. Its clock is the frames': nothing here looks at the time.
+class HandPlayer
+{
+public:
+    explicit HandPlayer(int framesPerSecond);
+
+    QVector<PlayedHand> hands;
+
+    /// Rest, poke, back. What is asked for while another movement runs comes after it.
+    void tap();
+    /// Clockwise as the player sees it.
+    void circle(double turns, bool clockwise);
+    bool isMoving() const { return !movements.isEmpty(); }
+
+    PlayedFrame nextFrame();
+
+private:
+    struct Movement
+    {
+        PlayedGesture::Type type = PlayedGesture::Type::ScreenTap;
+        double turns = 0.0;
+        bool clockwise = true;
+        double time = 0.0;  ///< seconds since it began
+        bool started = false;
+    };
+
+    bool moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& frame);
+    bool moveCircle(Movement& movement, PlayedHand& hand, PlayedFrame& frame);
+    PlayedGesture report(const Movement& movement, const PlayedHand& hand, const char* state) const;
+
+    int framesPerSecond;
+    qint64 frames = 0;
+    int gestures = 0;
+    QVector<Movement> movements;
+};

@@ -1,0 +1,178 @@
+#include "SensorServer.h"
+
+#include <QHostAddress>
+#include <QWebSocket>
+#include <QWebSocketServer>
+#include <algorithm>
+
+namespace {
+
+const QString servedPath = QStringLiteral("/v6.json");
+// What nobody will ever read is not worth keeping.
+constexpr int mostMessages = 1000;
+
+}  // namespace
+
+SensorServer::SensorServer(const Behaviour& behaviour_, QObject* parent)
+    : QObject(parent),
+      behaviour(behaviour_),
+      handPlayer(behaviour_.framesPerSecond),
+      server(std::make_unique<QWebSocketServer>(QStringLiteral("sensor"),
+                                                QWebSocketServer::NonSecureMode)),
+      timer(this)
+{
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.setInterval(1000 / behaviour.framesPerSecond);
+    connect(&timer, &QTimer::timeout, this, &SensorServer::sendFrame);
+    connect(server.get(), &QWebSocketServer::newConnection, this, &SensorServer::accept);
+}
+
+SensorServer::~SensorServer()
+{
+    close();
+}
+
+bool SensorServer::listen(quint16 port)
+{
+    return server->listen(QHostAddress::LocalHost, port);
+}
+
+void SensorServer::close()
+{
+    server->close();
+    const QVector<Client> all = clients;
+    for (const Client& client : all) {
+        forget(client.socket);
+    }
+}
+
+quint16 SensorServer::port() const
+{
+    return server->serverPort();
+}
+
+QString SensorServer::errorString() const
+{
+    return server->errorString();
+}
+
+void SensorServer::sendFrame()
+{
+    PlayedFrame frame = handPlayer.nextFrame();
+    frame.tellsGestures = false;
+    const QByteArray plain = frameMessage(frame);
+    frame.tellsGestures = behaviour.recognizesGestures;
+    const QByteArray withGestures = frameMessage(frame);
+    const bool someoneElseHasFocus = focusedCount() > 0;
+    for (const Client& client : qAsConst(clients)) {
+        if (client.focused || (client.background && !someoneElseHasFocus)) {
+            client.socket->sendTextMessage(
+                QString::fromUtf8(client.gestures ? withGestures : plain));
+        }
+    }
+    emit frameSent();
+}
+
+void SensorServer::stream(bool on)
+{
+    if (on) {
+        timer.start();
+    } else {
+        timer.stop();
+    }
+}
+
+void SensorServer::sendText(const QByteArray& text)
+{
+    for (const Client& client : qAsConst(clients)) {
+        client.socket->sendTextMessage(QString::fromUtf8(text));
+    }
+}
+
+void SensorServer::dropClients(int closeCode)
+{
+    const QVector<Client> all = clients;
+    for (const Client& client : all) {
+        client.socket->close(static_cast<QWebSocketProtocol::CloseCode>(closeCode));
+        forget(client.socket);
+    }
+}
+
+int SensorServer::focusedCount() const
+{
+    return static_cast<int>(std::count_if(clients.begin(), clients.end(),
+                                          [](const Client& client) { return client.focused; }));
+}
+
+void SensorServer::accept()
+{
+    while (QWebSocket* socket = server->nextPendingConnection()) {
+        socket->setParent(this);
+        if (socket->requestUrl().path() != servedPath) {
+            socket->close(QWebSocketProtocol::CloseCodeGoingAway);
+            socket->deleteLater();
+            continue;
+        }
+        ++connections;
+        Client client;
+        client.socket = socket;
+        clients.append(client);
+        connect(socket, &QWebSocket::textMessageReceived, this,
+                [this, socket](const QString& message) { obey(socket, message); });
+        connect(socket, &QWebSocket::disconnected, this, [this, socket] { forget(socket); });
+        if (behaviour.greets) {
+            const QByteArray hello = behaviour.hello.isEmpty()
+                                         ? helloMessage(behaviour.recognizesGestures)
+                                         : behaviour.hello;
+            socket->sendTextMessage(QString::fromUtf8(hello));
+            socket->sendTextMessage(QString::fromUtf8(deviceMessage(true)));
+        }
+        emit clientsChanged();
+    }
+}
+
+// By its bytes, as the most literal of the real services does: whoever is understood here is
+// understood by all.
+void SensorServer::obey(QWebSocket* socket, const QString& message)
+{
+    messages.append(message);
+    if (messages.size() > mostMessages) {
+        messages.removeFirst();
+    }
+    const auto client = std::find_if(clients.begin(), clients.end(),
+                                     [&](const Client& one) { return one.socket == socket; });
+    if (client == clients.end()) {
+        return;
+    }
+    if (message == QLatin1String("{\"enableGestures\":true}")) {
+        client->gestures = true;
+    } else if (message == QLatin1String("{\"enableGestures\":false}")) {
+        client->gestures = false;
+    } else if (message == QLatin1String("{\"background\":true}")) {
+        client->background = true;
+    } else if (message == QLatin1String("{\"background\":false}")) {
+        client->background = false;
+    } else if (message == QLatin1String("{\"focused\":true}")) {
+        takeFocus(socket);
+    } else if (message == QLatin1String("{\"focused\":false}")) {
+        client->focused = false;
+    }
+    emit clientsChanged();
+}
+
+void SensorServer::forget(QWebSocket* socket)
+{
+    clients.erase(std::remove_if(clients.begin(), clients.end(),
+                                 [&](const Client& client) { return client.socket == socket; }),
+                  clients.end());
+    socket->disconnect(this);
+    socket->deleteLater();
+    emit clientsChanged();
+}
+
+void SensorServer::takeFocus(QWebSocket* socket)
+{
+    for (Client& client : clients) {
+        client.focused = client.socket == socket;
+    }
+}
