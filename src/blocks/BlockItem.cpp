@@ -8,11 +8,11 @@
 #include "level/Board.h"
 #include "level/Level.h"
 
-#include <algorithm>
 #include <osg/ShapeDrawable>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <string>

@@ -10,6 +10,7 @@
 #include "level/Random.h"
 
 #include <osg/ShapeDrawable>
+#include <osg/observer_ptr>
 
 #include <vector>
 
@@ -58,13 +59,17 @@ public:
 
     void operator()(osg::Uniform* uniform, osg::NodeVisitor*) override
     {
+        if (!block)
+            return;
         const osg::Matrixf place(block->transform->getMatrix());
         uniform->set(block->state == Receiving ? osg::Matrixf::translate(-block->direction) * place
                                                : place);
     }
 
 private:
-    osg::ref_ptr<BlockPortal> block;
+    // Not a reference: what has been drawn last keeps the ball's uniforms beyond their level, and
+    // a portal that is kept along with them would go on with its crossing in a level that is gone.
+    osg::observer_ptr<BlockPortal> block;
 };
 
 BlockPortal::BlockPortal(Level& owner, float cellX, float cellY, int saturation, int value,

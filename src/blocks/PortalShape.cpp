@@ -3,7 +3,6 @@
 #include "level/LevelPixel.h"
 
 #include <algorithm>
-
 #include <array>
 
 namespace {
