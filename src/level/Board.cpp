@@ -178,6 +178,7 @@ Block* Board::createBlock(const LevelPixel& pixel, int column, int row, const os
 
 void Board::finishBody()
 {
+    game()->setFamily(id, boardFamily);
     game()->finishActor(id, density);
     game()->setPose(id, transform->getMatrix());
 }
