@@ -323,7 +323,7 @@ void Rollix::onContact(const physx::PxContactPairHeader& header, const physx::Px
 void Rollix::onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count)
 {
     const auto shapeRemoved = physx::PxTriggerPairFlag::eREMOVED_SHAPE_TRIGGER |
-                                  physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
+                              physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
     const unsigned int ballId = level->ball->getId();
     for (physx::PxU32 i = 0; i < count; ++i) {
         const physx::PxTriggerPair& pair = pairs[i];

@@ -1,10 +1,13 @@
 #include "level/Board.h"
 
+#include "blocks/BlockElevator.h"
+#include "blocks/BlockGhost.h"
 #include "blocks/BlockItem.h"
 #include "blocks/BlockPortal.h"
 #include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
+#include "level/BlockButton.h"
 #include "level/BlockCheckpoint.h"
 #include "level/BlockStandard.h"
 #include "level/FilterGroups.h"
@@ -63,6 +66,12 @@ BlockFactory factoryOf(BlockKind kind)
         return createBlockOf<BlockStandard>;
     case BlockKind::Checkpoint:
         return createBlockOf<BlockCheckpoint>;
+    case BlockKind::Button:
+        return createBlockOf<BlockButton>;
+    case BlockKind::Ghost:
+        return createBlockOf<BlockGhost>;
+    case BlockKind::Elevator:
+        return createBlockOf<BlockElevator>;
     case BlockKind::Trap:
         return createBlockOf<BlockTrap>;
     case BlockKind::Item:

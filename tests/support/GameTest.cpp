@@ -24,6 +24,9 @@
 namespace {
 
 constexpr int tickMilliseconds = 20;
+// Of one shape, so that the camera's projection stays as it is.
+const QSize drawnSize(800, 600);
+const QSize undrawnSize(40, 30);
 
 /// The game's folder: links to the true run-time files, without the level pictures.
 class GameFolder
@@ -67,7 +70,7 @@ struct World
         widget = new OsgViewerWidget;
         game = new Rollix(widget);
         widget->addView(game);
-        widget->resize(800, 600);
+        widget->resize(drawnSize);
         widget->show();
         GameLoop::attach(game);
         grab = new FrameGrab(game->getCamera());
@@ -188,18 +191,23 @@ void GameTest::holds(Qt::Key key, int tickCount)
 void GameTest::draws(bool on)
 {
     game.getCamera()->setCullMask(on ? 0xffffffff : 0);
+    // To clear and swap a large window costs more than the rest of a tick.
+    widget.resize(on ? drawnSize : undrawnSize);
+    QCoreApplication::processEvents();
 }
 
 QImage GameTest::frame(bool advance)
 {
-    const osg::Node::NodeMask before = game.getCamera()->getCullMask();
+    const bool drawn = game.getCamera()->getCullMask() != 0;
     draws(true);
     if (advance)
         ticks();
     else
         widget.frame();
-    game.getCamera()->setCullMask(before);
-    return world().grab->image();
+    // Before the window shrinks again, which draws it anew.
+    const QImage image = world().grab->image();
+    draws(drawn);
+    return image;
 }
 
 osg::Matrixd GameTest::boardPose() const

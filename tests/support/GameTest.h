@@ -72,6 +72,7 @@ public:
     Ball& ball() const;
 
 private:
+
     int pictureWidth = 0;
     int pictureHeight = 0;
 };
