@@ -10,6 +10,7 @@
 #include "level/BlockButton.h"
 #include "level/BlockCheckpoint.h"
 #include "level/BlockStandard.h"
+#include "level/BoardMesh.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
@@ -19,6 +20,7 @@
 #include <osg/PolygonOffset>
 #include <osg/ShapeDrawable>
 
+#include <cmath>
 #include <functional>
 #include <iostream>
 
@@ -108,6 +110,7 @@ void Board::load(const QImage& image)
     createBody();
     createShader();
     createBlocks(image);
+    mergeStaticBlocks(image.width(), image.height());
     level->addChild(root);
     finishBody();
     hang();
@@ -176,8 +179,30 @@ Block* Board::createBlock(const LevelPixel& pixel, int column, int row, const os
     return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
 }
 
+void Board::mergeStaticBlocks(int columns, int rows)
+{
+    // What the static flat blocks fill from edge to edge, by cell.
+    std::vector<float> filled(std::size_t(columns) * std::size_t(rows), 0.0f);
+    const auto cellIndex = [&](float x, float y) -> std::ptrdiff_t {
+        const int column = int(std::floor(x + float(columns) * 0.5f));
+        const int row = int(std::floor(float(rows) * 0.5f - y));
+        const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
+        return inside ? std::ptrdiff_t(row) * columns + column : -1;
+    };
+    for (const osg::ref_ptr<Block>& block : blocks) {
+        if (block->getTransform() == transform && block->isFlat())
+            filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
+    }
+    BoardMesh([&](float x, float y) {
+        const std::ptrdiff_t index = cellIndex(x, y);
+        return index < 0 ? 0.0f : filled[std::size_t(index)];
+    }).merge(*geode);
+    geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
+}
+
 void Board::finishBody()
 {
+    game()->setFamily(id, boardFamily);
     game()->finishActor(id, density);
     game()->setPose(id, transform->getMatrix());
 }

@@ -72,7 +72,6 @@ public:
     Ball& ball() const;
 
 private:
-
     int pictureWidth = 0;
     int pictureHeight = 0;
 };
