@@ -10,12 +10,11 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "support/FrameGrab.h"
+#include "support/GameWorld.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QKeyEvent>
-#include <QTemporaryDir>
 #include <QThread>
 #include <osg/Math>
 
@@ -24,71 +23,21 @@
 namespace {
 
 constexpr int tickMilliseconds = 20;
-// Of one shape, so that the camera's projection stays as it is.
-const QSize drawnSize(800, 600);
+// Of the drawn window's shape, so that the camera's projection stays as it is.
 const QSize undrawnSize(40, 30);
 
-/// The game's folder: links to the true run-time files, without the level pictures.
-class GameFolder
+/// What the one window of the process has drawn.
+FrameGrab& grab()
 {
-public:
-    GameFolder()
-    {
-        const QDir source(QString(ROLLIX_SOURCE_DIR) + "/data");
-        const QDir target(folder.path());
-        target.mkpath("data/Rollix");
-        link(source, target.filePath("data"));
-        link(QDir(source.filePath("Rollix")), target.filePath("data/Rollix"));
-        QDir::setCurrent(folder.path());
-    }
-
-    QString path() const { return folder.path(); }
-
-private:
-    static void link(const QDir& source, const QString& target)
-    {
-        for (const QFileInfo& file : source.entryInfoList(QDir::Files)) {
-            if (!file.fileName().startsWith("level"))
-                QFile::link(file.absoluteFilePath(), target + "/" + file.fileName());
-        }
-    }
-
-    QTemporaryDir folder;
-};
-
-/// One window and one game a process, as in the real program.
-struct World
-{
-    GameFolder folder;
-    OsgViewerWidget* widget;
-    Rollix* game;
-    FrameGrab* grab;
-
-    World()
-    {
-        LevelPicture({"S"}).image().save("data/Rollix/level0.png");
-        widget = new OsgViewerWidget;
-        game = new Rollix(widget);
-        widget->addView(game);
-        widget->resize(drawnSize);
-        widget->show();
-        GameLoop::attach(game);
-        grab = new FrameGrab(game->getCamera());
-        QCoreApplication::processEvents();
-    }
-};
-
-World& world()
-{
-    // The folder goes at exit; widget and game stay, as they do in the program.
-    static World theWorld;
-    return theWorld;
+    static auto* const theGrab = new FrameGrab(GameWorld::instance().game->getCamera());
+    return *theGrab;
 }
 
 }  // namespace
 
-GameTest::GameTest() : game(*world().game), widget(*world().widget)
+GameTest::GameTest() : game(*GameWorld::instance().game), widget(*GameWorld::instance().widget)
 {
+    grab();
     draws(false);
     game.messageText->hide();
 }
@@ -119,7 +68,7 @@ void GameTest::writes(const LevelPicture& picture, unsigned int number)
 
 std::string GameTest::folder() const
 {
-    return world().folder.path().toStdString();
+    return GameWorld::instance().folder.path().toStdString();
 }
 
 void GameTest::ticks(int count)
@@ -192,7 +141,7 @@ void GameTest::draws(bool on)
 {
     game.getCamera()->setCullMask(on ? 0xffffffff : 0);
     // To clear and swap a large window costs more than the rest of a tick.
-    widget.resize(on ? drawnSize : undrawnSize);
+    widget.resize(on ? GameWorld::windowSize : undrawnSize);
     QCoreApplication::processEvents();
 }
 
@@ -205,7 +154,7 @@ QImage GameTest::frame(bool advance)
     else
         widget.frame();
     // Before the window shrinks again, which draws it anew.
-    const QImage image = world().grab->image();
+    const QImage image = grab().image();
     draws(drawn);
     return image;
 }

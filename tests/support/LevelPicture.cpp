@@ -2,8 +2,6 @@
 
 #include "level/LevelPixel.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 bool decodesTo(QRgb color, const Cell& cell)
@@ -53,9 +51,7 @@ QRgb colorOf(const Cell& cell)
             }
         }
     }
-    ADD_FAILURE() << "no colour for hue " << cell.hue << ", saturation " << cell.saturation
-                  << ", value " << cell.value;
-    return 0;
+    qFatal("no colour for hue %d, saturation %d, value %d", cell.hue, cell.saturation, cell.value);
 }
 
 LevelPicture::LevelPicture(int width, int height, const Cell& background)

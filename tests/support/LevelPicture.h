@@ -28,8 +28,8 @@ constexpr Cell optional{135, 70, 73};
 constexpr Cell goal{135, 50, 73};
 }  // namespace cells
 
-/// The colour that decodes to the cell, found by trying around the obvious one. Fails the test for
-/// a cell that eight bits a channel cannot hold, as a dark one of a fine saturation.
+/// The colour that decodes to the cell, found by trying around the obvious one. Ends the program
+/// at a cell that eight bits a channel cannot hold, as a dark one of a fine saturation.
 QRgb colorOf(const Cell& cell);
 
 /// A level picture drawn in a test.

@@ -1,0 +1,126 @@
+#include "BareWorld.h"
+#include "BenchLevel.h"
+#include "frame/GameLoop.h"
+#include "frame/OsgViewerWidget.h"
+#include "game/Rollix.h"
+#include "level/Board.h"
+#include "level/Level.h"
+#include "support/GameWorld.h"
+
+#include <benchmark/benchmark.h>
+#include <osg/Vec3f>
+
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr float torque = 0.1f;   // rad/s a tick, that of a held key
+constexpr int quarterSwing = 5;  // ticks
+constexpr int settlingTicks = 100;
+
+/// The board is rocked about level, so that everything stays awake and the ball where it is.
+osg::Vec3f rockingTorque(int tick)
+{
+    const int phase = tick % (4 * quarterSwing);
+    const bool forth = phase < quarterSwing || phase >= 3 * quarterSwing;
+    return osg::Vec3f(forth ? torque : -torque, 0.0f, 0.0f);
+}
+
+/// Ticks the game without drawing. The viewer skips its frame while it is "done", and with it the
+/// traversals, which are not drawing: those are made up for.
+class UndrawnGame
+{
+public:
+    explicit UndrawnGame(int level)
+    {
+        load(benchLevel(level));
+        widget.setDone(true);
+        board = game.level->board->getId();
+    }
+
+    ~UndrawnGame() { widget.setDone(false); }
+
+    void tick()
+    {
+        game.addTorque(board, rockingTorque(ticks++), physx::PxForceMode::eVELOCITY_CHANGE, true);
+        GameLoop::instance()->tick();
+        widget.setDone(false);
+        widget.advance(std::numeric_limits<double>::max());
+        widget.eventTraversal();
+        widget.updateTraversal();
+        widget.setDone(true);
+    }
+
+private:
+    Rollix& game = *GameWorld::instance().game;
+    OsgViewerWidget& widget = *GameWorld::instance().widget;
+    unsigned int board = 0;
+    int ticks = 0;
+};
+
+/// The same world and the same rocking without the game.
+class BareBoard
+{
+public:
+    explicit BareBoard(int level)
+    {
+        load(benchLevel(level));
+        Rollix& game = *GameWorld::instance().game;
+        // The queued poses are only taken at the first step.
+        game.step(double(game.timeStep()));
+        world = std::make_unique<BareWorld>(gameScene());
+        seconds = game.timeStep();
+        physx::PxScene& original = gameScene();
+        std::vector<physx::PxActor*> bodies(
+            original.getNbActors(physx::PxActorTypeFlag::eRIGID_DYNAMIC));
+        original.getActors(physx::PxActorTypeFlag::eRIGID_DYNAMIC, bodies.data(),
+                           physx::PxU32(bodies.size()));
+        for (physx::PxActor* body : bodies) {
+            if (game.isActor(game.level->board->getId(), body))
+                board = world->copyOf(body->is<physx::PxRigidActor>())->is<physx::PxRigidDynamic>();
+        }
+    }
+
+    void tick()
+    {
+        const osg::Vec3f turn = rockingTorque(ticks++);
+        board->addTorque(physx::PxVec3(turn.x(), turn.y(), turn.z()),
+                         physx::PxForceMode::eVELOCITY_CHANGE);
+        world->step(seconds);
+    }
+
+private:
+    std::unique_ptr<BareWorld> world;
+    physx::PxRigidDynamic* board = nullptr;
+    float seconds = 0.0f;
+    int ticks = 0;
+};
+
+template <typename Subject>
+void tick(benchmark::State& state)
+{
+    Subject subject(int(state.range(0)));
+    for (int i = 0; i < settlingTicks; ++i)
+        subject.tick();
+    for (auto _ : state)
+        subject.tick();
+}
+
+}  // namespace
+
+BENCHMARK(tick<UndrawnGame>)
+    ->Name("tick/game")
+    ->Arg(trueLevel)
+    ->Arg(20)
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(tick<BareBoard>)
+    ->Name("tick/bare")
+    ->Arg(trueLevel)
+    ->Arg(20)
+    ->Unit(benchmark::kMicrosecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
