@@ -2,16 +2,13 @@
 // A line of text: glyphs out of the font's atlas, on an outline in the backdrop's colour.
 
 // osgText passes backdrop and atlas as defines on the text's own state set.
-#pragma import_defines(BACKDROP_COLOR, OUTLINE, TEXTURE_DIMENSION, GLYPH_DIMENSION)
+#pragma import_defines(BACKDROP_COLOR, OUTLINE, GLYPH_DIMENSION)
 
 #ifndef BACKDROP_COLOR
 #define BACKDROP_COLOR vec4(1.0)
 #endif
 #ifndef OUTLINE
 #define OUTLINE 0.0
-#endif
-#ifndef TEXTURE_DIMENSION
-#define TEXTURE_DIMENSION 1024.0
 #endif
 #ifndef GLYPH_DIMENSION
 #define GLYPH_DIMENSION 32.0
@@ -25,33 +22,39 @@ uniform sampler2D GlyphTexture;  // how much of a texel a glyph covers, in its a
 //HOTSPOT_PRE_MAIN
 
 // Eight ways round a point. The strokes of a glyph are wider than its outline, so that one circle of them
-// leaves no gap; lookups are what a line of text costs.
+// leaves no gap.
 const float diagonal = 0.70710678;
 const vec2 ways[8] = vec2[8](vec2(1.0, 0.0), vec2(diagonal, diagonal), vec2(0.0, 1.0), vec2(-diagonal, diagonal),
                              vec2(-1.0, 0.0), vec2(-diagonal, -diagonal), vec2(0.0, -1.0), vec2(diagonal, -diagonal));
 
-float coverage(vec2 coord)
+float coverage(vec2 texel)
 {
-    return texture(GlyphTexture, coord).a;
+    ivec2 last = textureSize(GlyphTexture, 0) - 1;
+    return texelFetch(GlyphTexture, clamp(ivec2(texel), ivec2(0), last), 0).a;
 }
 
 // The outline is the glyph grown to every side. A point is bare of it as far as the points of a circle
 // round it are bare of the glyph; their product leaves a soft rim of a pixel and a full white inside.
-float grownCoverage(vec2 coord, float radius)
+// Lookups are what a line of text costs, and on a processor a filtered one costs many plain ones: each point
+// of the circle is mixed from two texels on its way.
+float grownCoverage(vec2 texel, float radius)
 {
     float bare = 1.0;
-    for (int i = 0; i < 8; ++i)
-        bare *= 1.0 - coverage(coord + radius * ways[i]);
+    for (int i = 0; i < 8; ++i) {
+        float near = coverage(texel + floor(radius) * ways[i]);
+        float far = coverage(texel + ceil(radius) * ways[i]);
+        bare *= 1.0 - mix(near, far, fract(radius));
+    }
     return 1.0 - bare;
 }
 
 void main()
 {
     //HOTSPOT_START_MAIN
-    float glyph = coverage(glyphCoord);
-    // OUTLINE is the width as a part of a glyph's size; coordinates count the whole atlas.
-    float radius = float(OUTLINE) * float(GLYPH_DIMENSION) / float(TEXTURE_DIMENSION);
-    float grown = grownCoverage(glyphCoord, radius);
+    float glyph = texture(GlyphTexture, glyphCoord).a;
+    // In texels: OUTLINE is the width as a part of a glyph's size.
+    float radius = float(OUTLINE) * float(GLYPH_DIMENSION);
+    float grown = grownCoverage(glyphCoord * vec2(textureSize(GlyphTexture, 0)), radius);
 
     vec4 backdrop = BACKDROP_COLOR;
     vec3 color = mix(backdrop.rgb, glyphColor.rgb, glyph);
