@@ -24,6 +24,11 @@
 namespace {
 
 constexpr int tickMilliseconds = 20;
+constexpr int windowWidth = 800;
+constexpr int windowHeight = 600;
+// Of the same shape, so that the camera's projection stays as it is.
+constexpr int tinyWidth = 64;
+constexpr int tinyHeight = 48;
 
 /// The game's folder: links to the true run-time files, without the level pictures.
 class GameFolder
@@ -67,7 +72,7 @@ struct World
         widget = new OsgViewerWidget;
         game = new Rollix(widget);
         widget->addView(game);
-        widget->resize(800, 600);
+        widget->resize(windowWidth, windowHeight);
         widget->show();
         GameLoop::attach(game);
         grab = new FrameGrab(game->getCamera());
@@ -99,6 +104,8 @@ GameTest::~GameTest()
             game.endMenu->hide();
         releases(key);
     }
+    if (hurried)
+        resizesWindow(windowWidth, windowHeight);
 }
 
 void GameTest::loads(const LevelPicture& picture, unsigned int number)
@@ -190,8 +197,22 @@ void GameTest::draws(bool on)
     game.getCamera()->setCullMask(on ? 0xffffffff : 0);
 }
 
+void GameTest::hurries()
+{
+    hurried = true;
+    resizesWindow(tinyWidth, tinyHeight);
+}
+
+void GameTest::resizesWindow(int width, int height)
+{
+    widget.resize(width, height);
+    QCoreApplication::processEvents();
+}
+
 QImage GameTest::frame(bool advance)
 {
+    if (hurried)
+        resizesWindow(windowWidth, windowHeight);
     const osg::Node::NodeMask before = game.getCamera()->getCullMask();
     draws(true);
     if (advance)
@@ -199,7 +220,11 @@ QImage GameTest::frame(bool advance)
     else
         widget.frame();
     game.getCamera()->setCullMask(before);
-    return world().grab->image();
+    // Before the window shrinks again, which draws it anew.
+    const QImage image = world().grab->image();
+    if (hurried)
+        resizesWindow(tinyWidth, tinyHeight);
+    return image;
 }
 
 osg::Matrixd GameTest::boardPose() const
