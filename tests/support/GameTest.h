@@ -46,6 +46,8 @@ public:
     void presses(Qt::Key key);
     void releases(Qt::Key key);
     void holds(Qt::Key key, int tickCount);
+    /// Goes to the line of the menu that is up, and picks it, by keys; false if there is none.
+    bool picks(const std::string& line);
 
     /// What the frame shows from now on: the scene, or nothing but the background (the default,
     /// which makes a tick cheap).

@@ -31,11 +31,12 @@ private:
 
 }  // namespace
 
-std::vector<std::string> textsBelow(osg::Node* node)
+std::vector<std::string> textsBelow(osg::Node* node, float smallest)
 {
     std::vector<std::string> texts;
     Walk walk([&](osg::Node& found) {
-        if (const auto* text = dynamic_cast<osgText::Text*>(&found))
+        const auto* text = dynamic_cast<osgText::Text*>(&found);
+        if (text && text->getCharacterHeight() >= smallest)
             texts.push_back(text->getText().createUTF8EncodedString());
     });
     node->accept(walk);

@@ -8,8 +8,8 @@
 
 /// What hangs below a node, whether or not it is drawn.
 
-/// The lines of text, in the order of the tree.
-std::vector<std::string> textsBelow(osg::Node* node);
+/// The lines of text of at least this size, in the order of the tree.
+std::vector<std::string> textsBelow(osg::Node* node, float smallest = 0.0f);
 /// The file names of the textures' images, in the order of the tree.
 std::vector<std::string> imagesBelow(osg::Node* node);
 /// The first uniform of this name; null if there is none.
