@@ -16,8 +16,8 @@ const vec3 lampLight = vec3(0.80, 0.77, 0.70);
 // made it. The face itself still knows how it lies.
 vec3 phongNormal()
 {
-    vec3 normal = dot(eyeNormal, eyeNormal) > 1.0e-8 ? eyeNormal : cross(dFdx(eyePosition), dFdy(eyePosition));
-    return normalize(normal);
+    vec3 face = cross(dFdx(eyePosition), dFdy(eyePosition));
+    return normalize(dot(eyeNormal, eyeNormal) > 1.0e-8 ? eyeNormal : face);
 }
 
 // The colour of a surface under the light. gloss is the strength of the highlight, 0 to 1, and

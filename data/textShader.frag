@@ -24,7 +24,7 @@ uniform sampler2D GlyphTexture;  // how much of a texel a glyph covers, in its a
 
 //HOTSPOT_PRE_MAIN
 
-const int directions = 12;
+const int directions = 8;
 const float turn = 6.2831853;
 
 float coverage(vec2 coord)
@@ -32,16 +32,17 @@ float coverage(vec2 coord)
     return texture(GlyphTexture, coord).a;
 }
 
-// The outline is the glyph grown to every side: the most that any point of a circle round it covers.
+// The outline is the glyph grown to every side. A point is bare of it as far as the points of two circles
+// round it are bare of the glyph; their product leaves a soft rim of a pixel and a full white inside.
 float grownCoverage(vec2 coord, float radius)
 {
-    float most = coverage(coord);
+    float bare = 1.0 - coverage(coord);
     for (int i = 0; i < directions; ++i) {
         float angle = turn * float(i) / float(directions);
         vec2 way = radius * vec2(cos(angle), sin(angle));
-        most = max(most, max(coverage(coord + way), coverage(coord + 0.5 * way)));
+        bare *= (1.0 - coverage(coord + way)) * (1.0 - coverage(coord + 0.5 * way));
     }
-    return most;
+    return 1.0 - bare;
 }
 
 void main()

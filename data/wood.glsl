@@ -9,7 +9,7 @@ const vec3 poreCells = vec3(2.6, 30.0, 30.0);  // a unit: pores are thin and lon
 const float poreShare = 0.35;     // of the cells, that have one
 const float poreDetail = 0.03;    // units a pixel from which on pores are too small to be seen
 
-// How dark the grain is at a point of the log (its axis along x), 0 between rings to 1 in a ring's dark
+// How dark the grain is at a place in the log (its axis along x), 0 between rings to 1 in a ring's dark
 // late wood. pixelSize is the width of a screen pixel there, in units.
 float woodGrain(vec3 place, float pixelSize)
 {
@@ -18,15 +18,16 @@ float woodGrain(vec3 place, float pixelSize)
     // A year grows pale and wide in spring, darkens to autumn and breaks off; the break is drawn as wide
     // as a pixel at least, so that far rings do not flicker.
     float breakWidth = clamp(pixelSize * ringsPerUnit * 1.5, 0.06, 0.5);
-    float grain = ring * ring * smoothstep(1.0, 1.0 - breakWidth, ring);
+    float grain = ring * ring * (1.0 - smoothstep(1.0 - breakWidth, 1.0, ring));
     // Where the cut follows a ring the board shows broad flames; a slow change of depth keeps them alive.
     grain *= 0.75 + 0.35 * wander;
 
+    // One hash a pore instead of noise again: noise is what a frame of this costs.
     vec3 cell = floor(place * poreCells);
     vec3 inCell = place * poreCells - cell;
-    vec3 round = inCell * (1.0 - inCell);
+    vec3 inside = inCell * (1.0 - inCell);
     float chance = float(noiseHash(uvec3(ivec3(cell))) & 1023u) / 1023.0;
-    float pore = step(chance, poreShare) * 64.0 * round.x * round.y * round.z;
+    float pore = step(chance, poreShare) * 64.0 * inside.x * inside.y * inside.z;
     grain += 0.42 * pore * max(1.0 - pixelSize / poreDetail, 0.0);
     return clamp(grain, 0.0, 1.0);
 }
@@ -47,11 +48,12 @@ const float footShade = 0.55;      // what is left of the light at the foot of a
 const float woodGloss = 0.28;
 const float woodShininess = 48.0;
 
-// The colour of a point of the board. cellCorner says where cells end, as boardShader.vert finds it.
+// The colour of a point of the board: where it is on the board and in the log, which way its face looks
+// (any length; zero is an upright face), and where cells end, as boardShader.vert finds it.
 vec3 woodSurface(vec3 board, vec3 normal, vec3 place, vec2 cellCorner, float pixelSize)
 {
-    float steepness = dot(normal, normal);
-    float top = steepness > 1.0e-8 ? smoothstep(0.3, 0.6, normal.z * inversesqrt(steepness)) : 0.0;
+    float lengthSquared = dot(normal, normal);
+    float top = lengthSquared > 1.0e-8 ? smoothstep(0.3, 0.6, normal.z * inversesqrt(lengthSquared)) : 0.0;
 
     float height = clamp((board.z - lowestTop) / (highestTop - lowestTop), 0.0, 1.0);
     vec3 stain = height < 0.5 ? mix(paleWood, amberWood, 2.0 * height)

@@ -31,7 +31,7 @@ showProgress()
     while IFS= read -r line; do
         [[ $line =~ $pattern ]] || continue
         if [[ -t 1 ]]; then
-            printf '\r\e[K%s' "${line:0:$((${COLUMNS:-80} - 1))}"
+            printf '\r\e[K\e[?7l%s\e[?7h' "$line"  # without wrapping, however long it is
             drawn=yes
         elif ((SECONDS >= last + 5)); then
             echo "$line"
@@ -59,7 +59,7 @@ step()
 logEnd()
 {
     if grep -q '^FAILED: ' "$1"; then
-        sed -n '/^FAILED: /,$p' "$1" | grep -v '^\[' | grep -v '^/[^ ]*c++ ' | head -n 30
+        sed -n '/^FAILED: /,$p' "$1" | grep -vE '^\[|^([^ ]*ccache )?[^ ]*c\+\+ ' | head -n 30
     else
         tail -n 25 "$1"
     fi

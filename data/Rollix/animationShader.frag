@@ -25,5 +25,6 @@ void main()
     float groove = smoothstep(ringInner - 0.01, ringInner + 0.01, radius)
                    * (1.0 - smoothstep(ringOuter - 0.01, ringOuter + 0.01, radius));
     // The alpha eases along with the colour, and caps are drawn without blending: it is left out here.
-    gl_FragColor = vec4(phong(color.rgb * mix(1.0, ringShade, groove), phongNormal(), gloss, shininess), 1.0);
+    vec3 lacquer = color.rgb * mix(1.0, ringShade, groove);
+    gl_FragColor = vec4(phong(lacquer, phongNormal(), gloss, shininess), 1.0);
 }

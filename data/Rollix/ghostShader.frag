@@ -25,6 +25,8 @@ const float restAlpha = 0.10;
 void main()
 {
     //HOTSPOT_START_MAIN
+    float pixelSize = length(fwidth(boardPosition));
+    vec3 normal = phongNormal();
     // Faces turned away would be mixed in or not by the order of drawing.
     if (!gl_FrontFacing)
         discard;
@@ -32,8 +34,6 @@ void main()
     float progress = easeInOut(easeProgress(a_OpaqueStart, a_OpaqueEnd));
     float solid = a_Opaque ? progress : 1.0 - progress;
 
-    float pixelSize = length(fwidth(boardPosition));
-    vec3 normal = phongNormal();
     vec2 toBorder = abs(fract(boardPosition.xy - cellCorner + 0.75) - 0.5);
     // One of the two is zero all over an upright face; there the other draws the outline.
     float border = boardNormal.z * boardNormal.z > 0.2 * dot(boardNormal, boardNormal)

@@ -9,8 +9,8 @@ uniform bool a_PortalActive;          // the three matrices are only set while t
 uniform mat4 a_PortalSenderMatrix;    // block to world
 uniform mat4 a_PortalReceiverMatrix;  // frame one unit out of the block's mouth to world
 uniform mat4 a_PortalRotationMatrix;  // way into the sender to way out of the receiver
-uniform vec3 a_LightPos;               // world coordinates
-uniform mat4 osg_ViewMatrix;
+uniform vec3 a_LightPos;              // world coordinates
+uniform mat4 osg_ViewMatrix;          // these three by the scene graph, for every view
 uniform mat4 osg_ViewMatrixInverse;
 uniform mat4 osg_ProjectionMatrix;
 

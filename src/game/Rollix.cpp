@@ -180,13 +180,16 @@ void Rollix::levelFailed()
 }
 
 ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles)
+                                            std::initializer_list<std::string> preMainFiles,
+                                            const std::string& startMainCode)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
     if (!shader) {
         shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
         for (const std::string& file : preMainFiles)
             shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
+        if (!startMainCode.empty())
+            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
     }
     return shader;
 }
@@ -320,7 +323,7 @@ void Rollix::onContact(const physx::PxContactPairHeader& header, const physx::Px
 void Rollix::onTrigger(physx::PxTriggerPair* pairs, physx::PxU32 count)
 {
     const auto shapeRemoved = physx::PxTriggerPairFlag::eREMOVED_SHAPE_TRIGGER |
-                                  physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
+                              physx::PxTriggerPairFlag::eREMOVED_SHAPE_OTHER;
     const unsigned int ballId = level->ball->getId();
     for (physx::PxU32 i = 0; i < count; ++i) {
         const physx::PxTriggerPair& pair = pairs[i];

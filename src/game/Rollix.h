@@ -31,9 +31,11 @@ public:
     void levelFailed();
 
     /// The shader stage that all levels share under its short file name. At its first use it is
-    /// read from data/Rollix and gets `preMainFiles` injected above its main function, in order.
+    /// read from data/Rollix and gets `preMainFiles` injected above its main function, in order,
+    /// and `startMainCode`, if there is any, at the start of it.
     ShaderProgram::Shader* sharedShader(const std::string& name, unsigned int type,
-                                        std::initializer_list<std::string> preMainFiles = {});
+                                        std::initializer_list<std::string> preMainFiles = {},
+                                        const std::string& startMainCode = {});
 
     /// Serves a requested level change, then turns the held arrow keys into torque on the board.
     void update() override;

@@ -59,9 +59,7 @@ void AbstractHUD::show()
     } else {
         parent->addChild(projection);
         resizeToViewport();
-        osg::ref_ptr<osgViewer::View> lockedView;
-        if (view.lock(lockedView))
-            lockedView->addEventHandler(this);
+        view->addEventHandler(this);
     }
     refresh();
 }
@@ -78,9 +76,7 @@ void AbstractHUD::hide()
     // The view's list may hold the last reference.
     const osg::ref_ptr<AbstractHUD> self = this;
     parent->removeChild(projection);
-    osg::ref_ptr<osgViewer::View> lockedView;
-    if (view.lock(lockedView))
-        lockedView->removeEventHandler(this);
+    view->removeEventHandler(this);
 }
 
 void AbstractHUD::clear()
@@ -126,9 +122,8 @@ void AbstractHUD::makeOverlay(osg::Node& node)
 
 void AbstractHUD::resizeToViewport()
 {
-    osg::ref_ptr<osgViewer::View> lockedView;
-    if (!view.lock(lockedView) || !lockedView->getCamera()->getViewport())
+    const osg::Viewport* viewport = view->getCamera()->getViewport();
+    if (!viewport)
         return;
-    const osg::Viewport* viewport = lockedView->getCamera()->getViewport();
     resize(static_cast<int>(viewport->width()), static_cast<int>(viewport->height()));
 }

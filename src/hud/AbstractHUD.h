@@ -4,7 +4,6 @@
 #include <osg/Group>
 #include <osg/MatrixTransform>
 #include <osg/Projection>
-#include <osg/observer_ptr>
 #include <osg/ref_ptr>
 #include <osgGA/GUIEventHandler>
 #include <osgViewer/View>
@@ -69,8 +68,9 @@ protected:
     ContainerHUD* container = nullptr;
     osg::ref_ptr<osg::Geode> geode;
     osg::ref_ptr<osg::Group> parent;
-    // Weak: the game is the view, and it owns its menus.
-    osg::observer_ptr<osgViewer::View> view;
+    // The game is the view and owns its elements: a counted reference would keep it for good, and
+    // one taken while the game is still being built would be its first and so also its last.
+    osgViewer::View* view = nullptr;
     osg::ref_ptr<osg::Projection> projection;
     osg::ref_ptr<osg::MatrixTransform> modelView;
 

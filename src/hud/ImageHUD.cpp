@@ -34,6 +34,8 @@ void ImageHUD::initShader()
 
 void ImageHUD::build()
 {
+    if (imageFile.empty())
+        return;
     const osg::ref_ptr<osg::Image> image =
         osgDB::readRefImageFile(imageFile, osgDB::Registry::instance()->getOptions());
     if (!image || image->s() <= 0 || image->t() <= 0) {

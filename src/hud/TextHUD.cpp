@@ -4,8 +4,11 @@
 #include "shaders/ShaderProgram.h"
 #include "shaders/UnreadableFile.h"
 
+#include <osgDB/FileNameUtils>
 #include <osgText/Font>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -13,6 +16,13 @@ namespace {
 constexpr const char* fontFile = "data/Bevan.ttf";
 constexpr float outlineWidth = 0.05f;  // of the character size
 const osg::Vec4f outlineColor(1.0f, 1.0f, 1.0f, 1.0f);
+
+// For a file that is missing, any font of the system may be handed out.
+bool isOwnFont(const osgText::Font* font)
+{
+    return font &&
+           osgDB::getSimpleFileName(font->getFileName()) == osgDB::getSimpleFileName(fontFile);
+}
 
 }  // namespace
 
@@ -41,8 +51,15 @@ void TextHUD::build()
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
     geode->addDrawable(drawable);
     drawable->setCharacterSize(characterSize);
+    // A texel of the glyphs' atlas for each pixel: the default would blur the large lines. So
+    // nothing is ever drawn smaller than it is in the atlas, and mipmaps would only cost.
+    const unsigned int resolution =
+        static_cast<unsigned int>(std::ceil(std::max(characterSize, 1.0f)));
+    drawable->setFontResolution(resolution, resolution);
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
-    if (!font)
+    if (font)
+        font->setMinFilterHint(osg::Texture::LINEAR);
+    if (!isOwnFont(font))
         reportUnreadable("font", fontFile, "I write with what I have.");
     drawable->setFont(font);
     drawable->setText(text);

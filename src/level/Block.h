@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/GameObject.h"
+#include "level/LevelPixel.h"
 
 #include <osg/MatrixTransform>
 #include <osg/ref_ptr>
@@ -37,6 +38,8 @@ public:
 
     /// The block's own transform, or the board's for a static block; null for a block without body.
     osg::MatrixTransform* getTransform() const { return transform; }
+
+    bool isFlat() const { return slope == flatSlope; }
 
     /// Centre of the cell on the board, and the top of the cell over it: the high edge of a ramp.
     const float x;

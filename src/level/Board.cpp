@@ -1,9 +1,16 @@
 #include "level/Board.h"
 
+#include "blocks/BlockElevator.h"
+#include "blocks/BlockGhost.h"
+#include "blocks/BlockItem.h"
+#include "blocks/BlockPortal.h"
+#include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
+#include "level/BlockButton.h"
 #include "level/BlockCheckpoint.h"
 #include "level/BlockStandard.h"
+#include "level/BoardMesh.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
@@ -13,6 +20,7 @@
 #include <osg/PolygonOffset>
 #include <osg/ShapeDrawable>
 
+#include <cmath>
 #include <functional>
 #include <iostream>
 
@@ -60,6 +68,18 @@ BlockFactory factoryOf(BlockKind kind)
         return createBlockOf<BlockStandard>;
     case BlockKind::Checkpoint:
         return createBlockOf<BlockCheckpoint>;
+    case BlockKind::Button:
+        return createBlockOf<BlockButton>;
+    case BlockKind::Ghost:
+        return createBlockOf<BlockGhost>;
+    case BlockKind::Elevator:
+        return createBlockOf<BlockElevator>;
+    case BlockKind::Trap:
+        return createBlockOf<BlockTrap>;
+    case BlockKind::Item:
+        return createBlockOf<BlockItem>;
+    case BlockKind::Portal:
+        return createBlockOf<BlockPortal>;
     default:
         return BlockFactory();
     }
@@ -90,6 +110,7 @@ void Board::load(const QImage& image)
     createBody();
     createShader();
     createBlocks(image);
+    mergeStaticBlocks(image.width(), image.height());
     level->addChild(root);
     finishBody();
     hang();
@@ -156,6 +177,27 @@ Block* Board::createBlock(const LevelPixel& pixel, int column, int row, const os
         return nullptr;
     }
     return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
+}
+
+void Board::mergeStaticBlocks(int columns, int rows)
+{
+    // What the static flat blocks fill from edge to edge, by cell.
+    std::vector<float> filled(std::size_t(columns) * std::size_t(rows), 0.0f);
+    const auto cellIndex = [&](float x, float y) -> std::ptrdiff_t {
+        const int column = int(std::floor(x + float(columns) * 0.5f));
+        const int row = int(std::floor(float(rows) * 0.5f - y));
+        const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
+        return inside ? std::ptrdiff_t(row) * columns + column : -1;
+    };
+    for (const osg::ref_ptr<Block>& block : blocks) {
+        if (block->getTransform() == transform && block->isFlat())
+            filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
+    }
+    BoardMesh([&](float x, float y) {
+        const std::ptrdiff_t index = cellIndex(x, y);
+        return index < 0 ? 0.0f : filled[std::size_t(index)];
+    }).merge(*geode);
+    geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
 }
 
 void Board::finishBody()

@@ -72,6 +72,7 @@ private:
     void createBlocks(const QImage& image);
     Block* createBlock(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
                        BlockGroup& group);
+    void mergeStaticBlocks(int columns, int rows);
     void finishBody();
     void hang();
     void createGuide(int columns, int rows);

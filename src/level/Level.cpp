@@ -11,8 +11,8 @@
 #include "shaders/ShaderProgram.h"
 
 #include <QImage>
-#include <algorithm>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 

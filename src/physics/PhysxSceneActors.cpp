@@ -92,7 +92,6 @@ PxConvexMesh* cookConvex(const std::vector<PxVec3>& points)
     PxDefaultMemoryInputData input(cooked.getData(), cooked.getSize());
     return PhysxManager::physics()->createConvexMesh(input);
 }
-
 }  // namespace
 
 PxRigidActor* PhysxScene::findActor(unsigned int id)

@@ -3,11 +3,10 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QSet>
 
 #include <iostream>
+#include <mutex>
 
 // Neither is ever destroyed: an asset that a static object holds still has to find them at exit.
 QFileSystemWatcher* FileAssociatedAsset::watcher = nullptr;
@@ -16,11 +15,13 @@ QMultiMap<QString, FileAssociatedAsset*>& FileAssociatedAsset::assets =
 
 namespace {
 
+using Lock = std::lock_guard<std::recursive_mutex>;
+
 // Recursive, since a notice may make or destroy assets. Menu lines are built on the sensor's thread
 // while the main thread may be walking through the assets of a saved file.
-QMutex& assetsMutex()
+std::recursive_mutex& assetsMutex()
 {
-    static QMutex& mutex = *new QMutex(QMutex::Recursive);
+    static std::recursive_mutex& mutex = *new std::recursive_mutex;
     return mutex;
 }
 
@@ -29,6 +30,13 @@ QSet<QString>& missingFiles()
 {
     static QSet<QString>& files = *new QSet<QString>;
     return files;
+}
+
+/// Files whose watch waits for the main thread; under the mutex.
+QSet<QString>& pathsToAdd()
+{
+    static QSet<QString>& paths = *new QSet<QString>;
+    return paths;
 }
 
 QString directoryOf(const QString& path)
@@ -40,18 +48,26 @@ QString directoryOf(const QString& path)
 
 void FileAssociatedAsset::watchFile(std::string path)
 {
-    QMutexLocker locker(&assetsMutex());
+    const Lock lock(assetsMutex());
     if (!watcher)
         makeWatcher();
     const QString key = QString::fromStdString(path);
-    // The watcher belongs to the main thread; from another one the call waits for the event loop.
-    QMetaObject::invokeMethod(watcher, [key] { watcher->addPath(key); });
     assets.insert(key, this);
+    // The watcher belongs to the main thread; from another one the call waits for the event loop,
+    // and one call that waits is enough for all who want the same file meanwhile.
+    if (pathsToAdd().contains(key))
+        return;
+    pathsToAdd().insert(key);
+    QMetaObject::invokeMethod(watcher, [key] {
+        const Lock lockOfAddition(assetsMutex());
+        pathsToAdd().remove(key);
+        watcher->addPath(key);
+    });
 }
 
 void FileAssociatedAsset::unwatchFile(std::string path)
 {
-    QMutexLocker locker(&assetsMutex());
+    const Lock lock(assetsMutex());
     assets.remove(QString::fromStdString(path), this);
 }
 
@@ -71,7 +87,7 @@ void FileAssociatedAsset::notify(const QString& path)
     // Before the file is read: a save that comes in between is then either read or reported.
     followReplacement(path);
 
-    QMutexLocker locker(&assetsMutex());
+    const Lock lock(assetsMutex());
     std::cout << path.toStdString() << " was changed" << std::endl;
     // One notice may take other assets of this file away, so the walk is over a copy.
     for (FileAssociatedAsset* asset : assets.values(path)) {

@@ -9,7 +9,7 @@
 class QFileSystemWatcher;
 
 /// Base of everything that wants to hear when a file on disk is saved: the small engine behind
-/// shader work in the running game.
+/// shader work in the running game. A derived class ends its watches in its destructor.
 ///
 /// Notices come from the Qt event loop on the main thread, between two ticks and without the world
 /// lock. Assets may be made and destroyed on any thread; a lock of this class's own keeps a notice

@@ -26,7 +26,6 @@ class RibbonTest : public GameTest
 protected:
     RibbonTest()
     {
-        hurries();
         loads({"S"});
         ribbon = new Ribbon(osg::Vec3f(0.5f, 0.25f, 1.0f), target, ball().getId(), &game, parent);
     }

@@ -92,5 +92,62 @@ class CheckFormat(Tree):
         self.assertEqual(self.run_tool("check-format"), (0, []))
 
 
+class CheckCredits(Tree):
+    HEADER = "| File pattern | Author | Licence | Origin |\n|---|---|---|---|\n"
+
+    def setUp(self):
+        super().setUp()
+        self.write("data/Hat.ttf", "")
+        self.rows("`*`", "`docs/**`", "`data/*.ttf`")
+
+    def rows(self, *patterns):
+        self.write("CREDITS.md",
+                   self.HEADER + "".join(f"| {p} | me | MIT | here |\n" for p in patterns))
+
+    def test_is_content_when_every_file_has_a_row(self):
+        self.assertEqual(self.run_tool("check-credits"), (0, []))
+
+    def test_names_a_file_that_no_row_covers(self):
+        self.write("data/Hat.txt", "")
+        self.assertEqual(self.run_tool("check-credits"), (1, ["data/Hat.txt: no row in CREDITS.md"]))
+
+    def test_one_star_stays_in_its_folder_and_two_go_below(self):
+        self.write("data/old/Hat.ttf", "")
+        self.assertEqual(self.run_tool("check-credits"),
+                         (1, ["data/old/Hat.ttf: no row in CREDITS.md"]))
+        self.rows("`*`", "`docs/**`", "`data/**.ttf`")
+        self.assertEqual(self.run_tool("check-credits"), (0, []))
+
+    def test_names_a_row_that_matches_nothing(self):
+        self.rows("`*`", "`docs/**`", "`data/*.ttf`", "`data/*.otf`")
+        self.assertEqual(self.run_tool("check-credits"), (1, ["CREDITS.md:6: data/*.otf is no file"]))
+
+    def test_names_a_file_that_two_rows_claim(self):
+        self.rows("`*`", "`docs/**`", "`data/*.ttf`", "`data/Hat.*`")
+        self.assertEqual(self.run_tool("check-credits"),
+                         (1, ["data/Hat.ttf: data/*.ttf and data/Hat.* in CREDITS.md"]))
+
+    def test_asks_for_all_four_cells_of_a_row(self):
+        self.write("CREDITS.md", self.HEADER + "| `**` | me | MIT | here |\n| `*.md` | me | | here |\n")
+        self.assertEqual(self.run_tool("check-credits"),
+                         (1, ["CREDITS.md:4: a row is pattern, author, licence, origin"]))
+
+    def test_fails_without_a_table(self):
+        self.write("CREDITS.md", "# Credits\n")
+        code, lines = self.run_tool("check-credits")
+        self.assertEqual(code, 1)
+        self.assertIn("no table", lines[0])
+
+    @unittest.skipUnless(shutil.which("git"), "git tells what a checkout ignores")
+    def test_leaves_what_git_ignores_alone_but_not_what_is_new(self):
+        subprocess.run(["git", "init", "-q", self.root], check=True)
+        self.write(".gitignore", "*.log\n")
+        self.write("data/game.log", "")
+        self.assertEqual(self.run_tool("check-credits"), (0, []))
+        self.write("data/game.txt", "")
+        self.assertEqual(self.run_tool("check-credits"),
+                         (1, ["data/game.txt: no row in CREDITS.md"]))
+
+
 if __name__ == "__main__":
     unittest.main()

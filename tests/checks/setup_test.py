@@ -101,7 +101,8 @@ class Steps(Setup):
         self.assertEqual((self.root / "log").read_text(encoding="utf-8"), "[1/2] a\nnoise\n")
 
     def test_a_failure_shows_the_compilers_first_error_and_ends_the_command(self):
-        self.program("ninja", "echo '[1/2] Building'; echo 'FAILED: Ball.o'; echo 'Ball.cpp:3: no';"
+        self.program("ninja", "echo '[1/2] Building'; echo 'FAILED: Ball.o';"
+                              "echo 'ccache /usr/bin/c++ -O3 Ball.cpp'; echo 'Ball.cpp:3: no';"
                               "for i in {1..99}; do echo more; done; exit 1")
         done = self.sh("mkdir -p build/release; compile all; echo went on")
         self.assertEqual(done.returncode, 1)

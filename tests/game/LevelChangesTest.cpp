@@ -120,8 +120,6 @@ double residentMegabytes()
 class LevelChangesTest : public GameTest
 {
 protected:
-    LevelChangesTest() { hurries(); }
-
     /// Floor, ramps and one block of every kind and option that a hue can name.
     static LevelPicture everything()
     {

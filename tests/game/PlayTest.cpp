@@ -20,8 +20,6 @@ constexpr double restHeight = floorHeight + radius;
 class PlayTest : public GameTest
 {
 protected:
-    PlayTest() { hurries(); }
-
     void loadsFloor(int cells = 15)
     {
         loads(LevelPicture(cells, cells, cells::floor).set(cells / 2, cells / 2, cells::start));

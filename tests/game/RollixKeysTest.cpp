@@ -27,7 +27,6 @@ class RollixKeysTest : public GameTest
 protected:
     RollixKeysTest()
     {
-        hurries();
         // A board so heavy that the ball on its middle does not matter.
         loads(LevelPicture(15, 15, cells::floor).set(7, 7, cells::start));
         ticks(5);

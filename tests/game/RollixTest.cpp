@@ -32,7 +32,6 @@ class RollixTest : public GameTest
 protected:
     RollixTest()
     {
-        hurries();
         loads({"S..", "...", "..."});
         ticks();
     }

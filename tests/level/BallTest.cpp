@@ -22,7 +22,6 @@ class BallTest : public GameTest
 protected:
     BallTest()
     {
-        hurries();
         loads({"S..", "..."});
     }
 
@@ -153,7 +152,6 @@ class GroundTest : public GameTest
 
 TEST_F(GroundTest, IsAnEndlessPlaneUnderADarkSquare)
 {
-    hurries();
     loads({"S"});
     const PxRigidActor* actor = GameInside::actorsOf(game).at(level().ground->getId());
     PxShape* shape = nullptr;
@@ -168,7 +166,6 @@ TEST_F(GroundTest, IsAnEndlessPlaneUnderADarkSquare)
 
 TEST_F(GroundTest, IsDrawnThirtyUnitsWide)
 {
-    hurries();
     loads({"S"});
     // The level's own group is the board group's parent; the ground is its first child.
     osg::Group* levelRoot = board().getTransform()->getParent(0)->getParent(0);

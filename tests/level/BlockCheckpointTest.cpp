@@ -23,8 +23,6 @@ constexpr Cell flagOf(int saturation, int value = 73)
 class BlockCheckpointTest : public GameTest
 {
 protected:
-    BlockCheckpointTest() { hurries(); }
-
     BlockCheckpoint& checkpoint(int column, int row = 0)
     {
         return static_cast<BlockCheckpoint&>(*blockAt(column, row));

@@ -28,8 +28,6 @@ const osg::Vec2f uphill[] = {{0.0f, -1.0f}, {1.0f, 0.0f}, {0.0f, 1.0f}, {-1.0f, 
 class BlockTest : public GameTest
 {
 protected:
-    BlockTest() { hurries(); }
-
     std::vector<PxShape*> shapesOf(unsigned int id)
     {
         const PxRigidActor* actor = GameInside::actorsOf(game).at(id);

@@ -29,7 +29,6 @@ class BoardSoundTest : protected Listening, public GameTest
 protected:
     BoardSoundTest()
     {
-        hurries();
         loads({"S..", "...", "..."});
         ticksUntil([this] { return ballVelocity().length() < 0.01f && ballPosition().z() < 0.81; },
                    100);

@@ -27,7 +27,6 @@ class BoardTest : public GameTest
 protected:
     BoardTest()
     {
-        hurries();
         loads({"S..", "...", "..."});
     }
 

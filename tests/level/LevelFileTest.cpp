@@ -54,8 +54,6 @@ private:
 class LevelFileTest : public GameTest
 {
 protected:
-    LevelFileTest() { hurries(); }
-
     /// Every block's place and height, in scan order.
     std::string blocks() const
     {

@@ -25,7 +25,6 @@ class LevelTest : public GameTest
 protected:
     LevelTest()
     {
-        hurries();
         loads({"SRG", "..."});
         ticks();
     }

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QThread>
 
 /// Serves Qt's events until `condition` holds; false when it does not within a generous limit.
 template <class Condition>
@@ -13,8 +14,8 @@ bool waitUntil(Condition condition)
     while (!condition()) {
         if (timer.elapsed() > limit)
             return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 5);
         QCoreApplication::processEvents();
+        QThread::msleep(1);
     }
     return true;
 }

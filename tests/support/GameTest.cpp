@@ -26,11 +26,9 @@
 namespace {
 
 constexpr int tickMilliseconds = 20;
-constexpr int windowWidth = 800;
-constexpr int windowHeight = 600;
-// Of the same shape, so that the camera's projection stays as it is.
-constexpr int tinyWidth = 64;
-constexpr int tinyHeight = 48;
+// Of one shape, so that the camera's projection stays as it is.
+const QSize drawnSize(800, 600);
+const QSize undrawnSize(40, 30);
 
 /// The game's folder: the true run-time files, without the level pictures. Shaders are copies, as
 /// they are watched: a test may spoil one and mend it.
@@ -78,7 +76,7 @@ struct World
         widget = new OsgViewerWidget;
         game = new Rollix(widget);
         widget->addView(game);
-        widget->resize(windowWidth, windowHeight);
+        widget->resize(drawnSize);
         widget->show();
         GameLoop::attach(game);
         grab = new FrameGrab(game->getCamera());
@@ -110,8 +108,6 @@ GameTest::~GameTest()
             game.endMenu->hide();
         releases(key);
     }
-    if (hurried)
-        resizesWindow(windowWidth, windowHeight);
 }
 
 void GameTest::loads(const LevelPicture& picture, unsigned int number)
@@ -216,35 +212,22 @@ bool GameTest::picks(const std::string& line)
 void GameTest::draws(bool on)
 {
     game.getCamera()->setCullMask(on ? 0xffffffff : 0);
-}
-
-void GameTest::hurries()
-{
-    hurried = true;
-    resizesWindow(tinyWidth, tinyHeight);
-}
-
-void GameTest::resizesWindow(int width, int height)
-{
-    widget.resize(width, height);
+    // To clear and swap a large window costs more than the rest of a tick.
+    widget.resize(on ? drawnSize : undrawnSize);
     QCoreApplication::processEvents();
 }
 
 QImage GameTest::frame(bool advance)
 {
-    if (hurried)
-        resizesWindow(windowWidth, windowHeight);
-    const osg::Node::NodeMask before = game.getCamera()->getCullMask();
+    const bool drawn = game.getCamera()->getCullMask() != 0;
     draws(true);
     if (advance)
         ticks();
     else
         widget.frame();
-    game.getCamera()->setCullMask(before);
     // Before the window shrinks again, which draws it anew.
     const QImage image = world().grab->image();
-    if (hurried)
-        resizesWindow(tinyWidth, tinyHeight);
+    draws(drawn);
     return image;
 }
 

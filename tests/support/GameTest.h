@@ -52,11 +52,8 @@ public:
     /// What the frame shows from now on: the scene, or nothing but the background (the default,
     /// which makes a tick cheap).
     void draws(bool on);
-    /// Makes the window tiny for the rest of the test: without a graphics card most of a tick goes
-    /// into clearing and showing it. A frame() still comes in full size.
-    void hurries();
-    /// The frame of one more tick, 800 x 600, drawing on for it. `afterPause` shows the world as it
-    /// is, without advancing it.
+    /// The frame of one more tick, 800 x 600, drawing on for it. Without `advance` it
+    /// shows the world as it is.
     QImage frame(bool advance = true);
 
     /// The board's tilt against the vertical.
@@ -77,9 +74,6 @@ public:
     Ball& ball() const;
 
 private:
-    void resizesWindow(int width, int height);
-
-    bool hurried = false;
     int pictureWidth = 0;
     int pictureHeight = 0;
 };

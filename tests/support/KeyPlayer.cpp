@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <cmath>
 
-namespace
-{
+namespace {
 
 constexpr double secondsPerTick = 1.0 / 30.0;
 constexpr double rollingGravity = 9.81 * 5.0 / 7.0;  // of a solid ball that does not slip
-constexpr double approach = 1.6;       // wanted speed per unit of distance, 1/s
-constexpr double obedience = 3.0;      // wanted acceleration per unit of missing speed, 1/s
-constexpr double largestTilt = 0.3;    // of the board's normal against the vertical
-constexpr double tiltObedience = 6.0;  // wanted turn per unit of missing tilt, 1/s
-constexpr double largestTurn = 0.9;    // rad/s
+constexpr double approach = 1.0;                     // wanted speed per unit of distance, 1/s
+constexpr double obedience = 1.2;      // wanted acceleration per unit of missing speed, 1/s
+constexpr double gentleTilt = 0.2;     // sine of the board's angle
+constexpr double climbingTilt = 0.48;  // nearly the board's limit: a ramp rises by 27 degrees
+constexpr double climbingSpeed = 3.5;  // taken as a run-up too
+constexpr int runUpSteps = 4;
+constexpr double deepestDrop = 1.5;    // world units
+constexpr double tiltObedience = 4.0;  // wanted turn per unit of missing tilt, 1/s
+constexpr double largestTurn = 0.35;   // rad/s
 constexpr double deadZone = 0.06;      // rad/s: a key gives 0.1 a tick
 
 double within(double value, double limit)
@@ -22,11 +25,11 @@ double within(double value, double limit)
 
 }  // namespace
 
-KeyPlayer::KeyPlayer(const LevelMap& levelMap, KeyAction pressAction, KeyAction releaseAction) :
-    map(levelMap),
-    pressKey(std::move(pressAction)),
-    releaseKey(std::move(releaseAction)),
-    allowed([](const CellPosition&, const CellPosition&) { return true; })
+KeyPlayer::KeyPlayer(const LevelMap& levelMap, KeyAction pressAction, KeyAction releaseAction)
+    : map(levelMap),
+      pressKey(std::move(pressAction)),
+      releaseKey(std::move(releaseAction)),
+      allowed([](const CellPosition&, const CellPosition&) { return true; })
 {
 }
 
@@ -44,7 +47,9 @@ CellPosition KeyPlayer::cellOf(const PlayerView& view) const
 std::vector<CellPosition> KeyPlayer::wayTo(const CellPosition& target,
                                            const CellPosition& from) const
 {
-    return map.way(from, target, allowed, drop);
+    std::vector<CellPosition> way = map.way(from, target, allowed, drop);
+    // Off the floor, as on top of a wall, any way down will do.
+    return way.empty() ? map.way(from, target, allowed, deepestDrop) : way;
 }
 
 bool KeyPlayer::rollTowards(const CellPosition& target, const PlayerView& view)
@@ -60,10 +65,22 @@ bool KeyPlayer::rollTowards(const CellPosition& target, const PlayerView& view)
            way[corner + 1].column - way[corner].column == way[1].column - way[0].column &&
            way[corner + 1].row - way[corner].row == way[1].row - way[0].row)
         ++corner;
+    bool climbing = false;
+    for (std::size_t i = 0; i < std::min<std::size_t>(corner, runUpSteps); ++i)
+        climbing = climbing || map.climbs(way[i], way[i + 1]);
+    largestTilt = climbing ? climbingTilt : gentleTilt;
+
     const osg::Vec3d ball = onBoard(view);
-    const osg::Vec2d missing(map.x(way[corner]) - ball.x(), map.y(way[corner]) - ball.y());
-    steer(osg::Vec2d(within(missing.x() * approach, speed), within(missing.y() * approach, speed)),
-          view);
+    osg::Vec2d wanted(within((map.x(way[corner]) - ball.x()) * approach, speed),
+                      within((map.y(way[corner]) - ball.y()) * approach, speed));
+    if (climbing) {
+        // No braking before the top: a ball that stops on the way up rolls back.
+        if (way[1].column != way[0].column)
+            wanted.x() = (way[1].column - way[0].column) * climbingSpeed;
+        else
+            wanted.y() = (way[0].row - way[1].row) * climbingSpeed;
+    }
+    steer(wanted, view);
     return true;
 }
 

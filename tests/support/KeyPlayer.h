@@ -3,7 +3,6 @@
 #include "support/LevelMap.h"
 
 #include <Qt>
-
 #include <osg/Matrixd>
 #include <osg/Vec2d>
 #include <osg/Vec3d>
@@ -61,6 +60,7 @@ private:
     LevelMap::StepFilter allowed;
     double speed = 2.5;
     double drop = 0.05;
+    double largestTilt = 0.2;  // sine of the angle
     std::map<Qt::Key, bool> down;
     osg::Vec3d lastUp{0.0, 0.0, 1.0};
 };

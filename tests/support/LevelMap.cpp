@@ -4,8 +4,7 @@
 #include <cmath>
 #include <deque>
 
-namespace
-{
+namespace {
 
 constexpr double edgeTolerance = 0.02;
 constexpr int steps[4][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
@@ -71,8 +70,7 @@ double LevelMap::edgeHeight(const CellPosition& cell, int towardsColumn, int tow
         return shape.highHeight;
     constexpr int highColumn[4] = {0, 1, 0, -1};
     constexpr int highRow[4] = {1, 0, -1, 0};
-    const int along =
-        highColumn[shape.slope] * towardsColumn + highRow[shape.slope] * towardsRow;
+    const int along = highColumn[shape.slope] * towardsColumn + highRow[shape.slope] * towardsRow;
     if (along == 0)
         return -1.0;  // the side of a ramp: nothing rolls over it
     return along > 0 ? shape.highHeight : shape.lowHeight;
@@ -89,6 +87,17 @@ bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double dr
     if (leave < 0.0 || enter < 0.0)
         return false;
     return enter <= leave + edgeTolerance && enter >= leave - drop - edgeTolerance;
+}
+
+bool LevelMap::climbs(const CellPosition& from, const CellPosition& to) const
+{
+    const int column = to.column - from.column;
+    const int row = to.row - from.row;
+    const auto rises = [&](const CellPosition& cell) {
+        return hasFloor(cell) &&
+               edgeHeight(cell, column, row) > edgeHeight(cell, -column, -row) + edgeTolerance;
+    };
+    return rises(from) || rises(to);
 }
 
 std::vector<CellPosition> LevelMap::way(const CellPosition& from, const CellPosition& to,

@@ -53,6 +53,9 @@ public:
     /// Whether a ball can roll from a cell on to its neighbour, by the heights of their edges.
     bool rolls(const CellPosition& from, const CellPosition& to, double drop) const;
 
+    /// Whether the step leads on to a ramp's low edge or over its high one.
+    bool climbs(const CellPosition& from, const CellPosition& to) const;
+
 private:
     double edgeHeight(const CellPosition& cell, int towardsColumn, int towardsRow) const;
 

@@ -49,3 +49,12 @@ std::vector<std::string> OutputCapture::lines() const
         result.push_back(line);
     return result;
 }
+
+int OutputCapture::count(const std::string& part) const
+{
+    int found = 0;
+    const std::string all = text();
+    for (auto at = all.find(part); at != std::string::npos; at = all.find(part, at + 1))
+        ++found;
+    return found;
+}

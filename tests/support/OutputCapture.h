@@ -17,6 +17,8 @@ public:
     std::string text() const;
     /// The same by lines, without their ends.
     std::vector<std::string> lines() const;
+    /// How often `part` stands in it so far.
+    int count(const std::string& part) const;
 
 private:
     int savedOutput;

@@ -7,8 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace
-{
+namespace {
 
 constexpr int longestRun = 15000;  // ticks: five minutes of play
 constexpr double flagReach = 1.2;  // a ball so near over a flag's cell has touched it
@@ -26,14 +25,15 @@ QImage truePicture(unsigned int number)
 
 }  // namespace
 
-Playthrough::Playthrough(GameTest& gameTest, unsigned int number) :
-    test(gameTest),
-    picture(truePicture(number)),
-    map(picture),
-    keys(
-        map, [this](Qt::Key key) { test.presses(key); }, [this](Qt::Key key) { test.releases(key); }),
-    flags(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 79, 90); })),
-    goals(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 49, 68); }))
+Playthrough::Playthrough(GameTest& gameTest, unsigned int number)
+    : test(gameTest),
+      picture(truePicture(number)),
+      map(picture),
+      keys(
+          map, [this](Qt::Key key) { test.presses(key); },
+          [this](Qt::Key key) { test.releases(key); }),
+      flags(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 79, 90); })),
+      goals(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 49, 68); }))
 {
     picture.save(QString("data/Rollix/level%1.png").arg(number));
     test.game.loadLevel(number);
@@ -80,8 +80,8 @@ bool Playthrough::finishes()
     while (!over()) {
         const PlayerView now = view();
         const CellPosition here = keys.cellOf(now);
-        const double top = map.contains(here) ? BlockShape::ofValue(map.pixel(here).value).highHeight
-                                              : 0.0;
+        const double top =
+            map.contains(here) ? BlockShape::ofValue(map.pixel(here).value).highHeight : 0.0;
         if (keys.onBoard(now).z() < top + flagReach)
             flags.erase(std::remove(flags.begin(), flags.end(), here), flags.end());
         CellPosition target{};

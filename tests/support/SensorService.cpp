@@ -44,7 +44,7 @@ bool SensorService::hasClient()
     });
 }
 
-void SensorService::shows(const QVector<PlayedHand>& hands)
+void SensorService::shows(const std::vector<PlayedHand>& hands)
 {
     onServer([&](SensorServer& service) { service.player().hands = hands; });
 }

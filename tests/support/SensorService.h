@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 /// A tracking service on a free port of this machine, on a thread of its own, so that a test may
 /// block. While it lives, every controller of the process finds it; afterwards they find none.
@@ -22,7 +23,7 @@ public:
     bool hasClient();
 
     /// What the following frames show.
-    void shows(const QVector<PlayedHand>& hands);
+    void shows(const std::vector<PlayedHand>& hands);
     /// Sends so many frames at once.
     void sendsFrames(int count = 1);
     void streams(bool on = true);

@@ -3,8 +3,8 @@
 #include "platform/fmod/OutputDevice.h"
 
 #include <AL/alext.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

@@ -3,7 +3,8 @@
 #include "PlayedHand.h"
 
 #include <QByteArray>
-#include <QVector>
+
+#include <vector>
 
 /// One report of a gesture.
 struct PlayedGesture
@@ -26,8 +27,8 @@ struct PlayedFrame
     qint64 id = 1;
     qint64 timestamp = 0;  ///< us
     double frameRate = 0.0;
-    QVector<PlayedHand> hands;
-    QVector<PlayedGesture> gestures;
+    std::vector<PlayedHand> hands;
+    std::vector<PlayedGesture> gestures;
     bool tellsGestures = true;  ///< newer services leave the whole list out
 };
 

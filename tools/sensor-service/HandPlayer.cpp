@@ -1,13 +1,13 @@
 #include "HandPlayer.h"
 
 #include <algorithm>
-
 #include <cmath>
 
 namespace {
 
 constexpr double pi = 3.141592653589793;
-constexpr double restTime = 0.15;   // s, before and after each movement
+constexpr double restTime = 0.25;   // s, before and after each movement
+constexpr double returnTime = 0.2;  // s, from where a circle ended to where it began
 constexpr double pokeTime = 0.1;    // s, one way
 constexpr float pokeDepth = 30.0f;  // mm
 constexpr double turnTime = 0.5;    // s
@@ -20,7 +20,7 @@ HandPlayer::HandPlayer(int framesPerSecond_) : framesPerSecond(framesPerSecond_)
 
 void HandPlayer::tap()
 {
-    movements.append(Movement());
+    movements.push_back(Movement());
 }
 
 void HandPlayer::circle(double turns, bool clockwise)
@@ -29,7 +29,7 @@ void HandPlayer::circle(double turns, bool clockwise)
     movement.type = PlayedGesture::Type::Circle;
     movement.turns = turns;
     movement.clockwise = clockwise;
-    movements.append(movement);
+    movements.push_back(movement);
 }
 
 PlayedFrame HandPlayer::nextFrame()
@@ -39,9 +39,9 @@ PlayedFrame HandPlayer::nextFrame()
     frame.id = frames;
     frame.timestamp = frames * 1000000 / framesPerSecond;
     frame.frameRate = framesPerSecond;
-    if (!movements.isEmpty() && !hands.isEmpty()) {
-        Movement& movement = movements.first();
-        PlayedHand& hand = hands.first();
+    if (!movements.empty() && !hands.empty()) {
+        Movement& movement = movements.front();
+        PlayedHand& hand = hands.front();
         if (!movement.started) {
             movement.started = true;
             ++gestures;
@@ -52,7 +52,7 @@ PlayedFrame HandPlayer::nextFrame()
                                 : moveTap(movement, hand, frame);
         if (!goesOn) {
             hand.tipOffset = QVector3D();
-            movements.removeFirst();
+            movements.pop_front();
         }
     }
     frame.hands = hands;
@@ -66,7 +66,7 @@ bool HandPlayer::moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& fram
     const double depth = 1.0 - std::fabs(std::clamp(time, 0.0, 2.0 * pokeTime) / pokeTime - 1.0);
     hand.tipOffset = QVector3D(0.0f, 0.0f, -pokeDepth * static_cast<float>(depth));
     if (before < 2.0 * pokeTime && time >= 2.0 * pokeTime) {
-        frame.gestures.append(report(movement, hand, "stop"));
+        frame.gestures.push_back(report(movement, hand, "stop"));
     }
     return time < 2.0 * pokeTime + restTime;
 }
@@ -78,16 +78,21 @@ bool HandPlayer::moveCircle(Movement& movement, PlayedHand& hand, PlayedFrame& f
     const double before = turned - step;
     const auto angle = static_cast<float>(2.0 * pi * std::clamp(turned, 0.0, movement.turns));
     const float sense = movement.clockwise ? 1.0f : -1.0f;
-    hand.tipOffset = QVector3D(sense * std::sin(angle), std::cos(angle) - 1.0f, 0.0f) * radius;
+    const double back = movement.time - restTime - movement.turns * turnTime -
+                        restTime;  // s since the way back began
+    const auto away = static_cast<float>(1.0 - std::clamp(back / returnTime, 0.0, 1.0));
+    hand.tipOffset =
+        QVector3D(sense * std::sin(angle), std::cos(angle) - 1.0f, 0.0f) * radius * away;
 
     if (before < movement.turns && turned >= movement.turns) {
         if (movement.turns >= startProgress) {
-            frame.gestures.append(report(movement, hand, "stop"));
+            frame.gestures.push_back(report(movement, hand, "stop"));
         }
     } else if (turned >= startProgress && turned < movement.turns) {
-        frame.gestures.append(report(movement, hand, before < startProgress ? "start" : "update"));
+        frame.gestures.push_back(
+            report(movement, hand, before < startProgress ? "start" : "update"));
     }
-    return turned < movement.turns + restTime / turnTime;
+    return back < returnTime;
 }
 
 PlayedGesture HandPlayer::report(const Movement& movement, const PlayedHand& hand,

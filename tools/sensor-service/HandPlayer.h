@@ -2,7 +2,8 @@
 
 #include "FrameWriter.h"
 
-#include <QVector>
+#include <deque>
+#include <vector>
 
 /// Moves the first hand's index finger through the gestures asked for, frame by frame, and reports
 /// them when a real service would. Its clock is the frames': nothing here looks at the time.
@@ -11,13 +12,13 @@ class HandPlayer
 public:
     explicit HandPlayer(int framesPerSecond);
 
-    QVector<PlayedHand> hands;
+    std::vector<PlayedHand> hands;
 
     /// Rest, poke, back. What is asked for while another movement runs comes after it.
     void tap();
     /// Clockwise as the player sees it.
     void circle(double turns, bool clockwise);
-    bool isMoving() const { return !movements.isEmpty(); }
+    bool isMoving() const { return !movements.empty(); }
 
     PlayedFrame nextFrame();
 
@@ -38,5 +39,5 @@ private:
     int framesPerSecond;
     qint64 frames = 0;
     int gestures = 0;
-    QVector<Movement> movements;
+    std::deque<Movement> movements;
 };

@@ -3,6 +3,7 @@
 #include <QHostAddress>
 #include <QWebSocket>
 #include <QWebSocketServer>
+
 #include <algorithm>
 
 namespace {
@@ -17,14 +18,13 @@ SensorServer::SensorServer(const Behaviour& behaviour_, QObject* parent)
     : QObject(parent),
       behaviour(behaviour_),
       handPlayer(behaviour_.framesPerSecond),
-      server(std::make_unique<QWebSocketServer>(QStringLiteral("sensor"),
-                                                QWebSocketServer::NonSecureMode)),
+      server(new QWebSocketServer(QStringLiteral("sensor"), QWebSocketServer::NonSecureMode, this)),
       timer(this)
 {
     timer.setTimerType(Qt::PreciseTimer);
     timer.setInterval(1000 / behaviour.framesPerSecond);
     connect(&timer, &QTimer::timeout, this, &SensorServer::sendFrame);
-    connect(server.get(), &QWebSocketServer::newConnection, this, &SensorServer::accept);
+    connect(server, &QWebSocketServer::newConnection, this, &SensorServer::accept);
 }
 
 SensorServer::~SensorServer()
@@ -40,7 +40,7 @@ bool SensorServer::listen(quint16 port)
 void SensorServer::close()
 {
     server->close();
-    const QVector<Client> all = clients;
+    const std::vector<Client> all = clients;
     for (const Client& client : all) {
         forget(client.socket);
     }
@@ -64,8 +64,9 @@ void SensorServer::sendFrame()
     frame.tellsGestures = behaviour.recognizesGestures;
     const QByteArray withGestures = frameMessage(frame);
     const bool someoneElseHasFocus = focusedCount() > 0;
-    for (const Client& client : qAsConst(clients)) {
-        if (client.focused || (client.background && !someoneElseHasFocus)) {
+    for (const Client& client : clients) {
+        if (!behaviour.mindsFocus || client.focused ||
+            (client.background && !someoneElseHasFocus)) {
             client.socket->sendTextMessage(
                 QString::fromUtf8(client.gestures ? withGestures : plain));
         }
@@ -84,14 +85,14 @@ void SensorServer::stream(bool on)
 
 void SensorServer::sendText(const QByteArray& text)
 {
-    for (const Client& client : qAsConst(clients)) {
+    for (const Client& client : clients) {
         client.socket->sendTextMessage(QString::fromUtf8(text));
     }
 }
 
 void SensorServer::dropClients(int closeCode)
 {
-    const QVector<Client> all = clients;
+    const std::vector<Client> all = clients;
     for (const Client& client : all) {
         client.socket->close(static_cast<QWebSocketProtocol::CloseCode>(closeCode));
         forget(client.socket);
@@ -116,7 +117,7 @@ void SensorServer::accept()
         ++connections;
         Client client;
         client.socket = socket;
-        clients.append(client);
+        clients.push_back(client);
         connect(socket, &QWebSocket::textMessageReceived, this,
                 [this, socket](const QString& message) { obey(socket, message); });
         connect(socket, &QWebSocket::disconnected, this, [this, socket] { forget(socket); });

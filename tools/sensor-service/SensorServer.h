@@ -5,9 +5,8 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
-#include <QVector>
 
-#include <memory>
+#include <vector>
 
 class QWebSocket;
 class QWebSocketServer;
@@ -26,6 +25,8 @@ public:
         /// not, and their clients have only the moving finger to go by.
         bool recognizesGestures = true;
         bool greets = true;
+        /// Off, every client gets the frames, whatever window is active.
+        bool mindsFocus = true;
         QByteArray hello;  ///< sent instead of the right one, unless empty
     };
 
@@ -74,9 +75,9 @@ private:
 
     Behaviour behaviour;
     HandPlayer handPlayer;
-    std::unique_ptr<QWebSocketServer> server;
+    QWebSocketServer* server;  ///< a child, which moves to another thread along with its parent
     QTimer timer;
-    QVector<Client> clients;
+    std::vector<Client> clients;
     qint64 connections = 0;
     QStringList messages;
 };

@@ -3,7 +3,6 @@
 #include "platform/leap/VectorMath.h"
 
 #include <algorithm>
-
 #include <cmath>
 
 namespace Leap {
@@ -19,6 +18,8 @@ constexpr float greatestRadius = 120.0f;  // mm
 constexpr float greatestSpread = 0.35f;   // of the radius
 constexpr float greatestReversal = 0.25f * pi;
 
+// A quarter of a turn between two frames is no drawing any more.
+constexpr float greatestStep = 0.5f * pi;
 constexpr float offCircleShare = 0.5f;   // of the radius
 constexpr float offCircleLeast = 10.0f;  // mm
 constexpr int framesOffToStop = 3;
@@ -113,12 +114,14 @@ std::optional<CircleTracker::Report> CircleTracker::proceed(std::int64_t time, c
         slow = true;
         slowSince = time;
     }
-    if (framesOff == 0) {
+    const float step = angleBetween(lastTip, tip);
+    const bool jumped = std::fabs(step) > greatestStep;
+    if (framesOff == 0 && !jumped) {
         followDrift();
-        turned += angleBetween(lastTip, tip);
+        turned += step;
         turnedMost = std::max(turnedMost, turned);
     }
-    if (framesOff >= framesOffToStop || (slow && time - slowSince >= slowTime) ||
+    if (jumped || framesOff >= framesOffToStop || (slow && time - slowSince >= slowTime) ||
         turnedMost - turned > greatestReversal) {
         return stop();
     }

@@ -28,7 +28,7 @@ bool recognizesGestures(const std::string& serviceVersion)
 
 Conversation::Conversation(Session& session_) : session(session_) {}
 
-Conversation::Verdict Conversation::receive(const QByteArray& text)
+Conversation::Verdict Conversation::receive(std::string_view text)
 {
     Message message = parseMessage(text);
     if (!greeted) {

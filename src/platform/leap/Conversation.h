@@ -4,9 +4,7 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
-
-class QByteArray;
+#include <string_view>
 
 namespace Leap {
 
@@ -25,7 +23,7 @@ public:
 
     explicit Conversation(Session& session);
 
-    Verdict receive(const QByteArray& text);
+    Verdict receive(std::string_view text);
     bool isGreeted() const { return greeted; }
 
 private:

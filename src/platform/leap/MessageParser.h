@@ -2,9 +2,9 @@
 
 #include "platform/leap/FrameData.h"
 
+#include <cstddef>
 #include <string>
-
-class QByteArray;
+#include <string_view>
 
 namespace Leap {
 
@@ -25,12 +25,12 @@ struct Message
 };
 
 /// Longer messages are malformed: two hands take 11 KB.
-constexpr int longestMessage = 1 << 20;
+constexpr std::size_t longestMessage = 1 << 20;
 
 /// Reads a message strictly and never fails: a hand, finger or gesture that is not what the
 /// protocol says is left out, and a frame without its number, time or list of hands is malformed.
 /// Positions farther than ten metres, directions that are no unit vectors and numbers that are not
 /// finite do not count. The lists are cut at 8 hands, 64 fingers and 64 gestures.
-Message parseMessage(const QByteArray& text);
+Message parseMessage(std::string_view text);
 
 }  // namespace Leap

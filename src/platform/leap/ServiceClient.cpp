@@ -53,6 +53,8 @@ ServiceClient::ServiceClient(std::shared_ptr<Session> session_) : session(std::m
     // back with the window's, and taken again. Until a window was active nothing is given back:
     // without a window manager none may ever be.
     if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        // The signal comes from another thread, and the library has not told itself of this type.
+        qRegisterMetaType<Qt::ApplicationState>();
         connect(application, &QGuiApplication::applicationStateChanged, this,
                 [this](Qt::ApplicationState state) { setFocus(state == Qt::ApplicationActive); });
     }
@@ -86,7 +88,8 @@ void ServiceClient::connectToService()
 void ServiceClient::receive(const QString& text)
 {
     heard = true;
-    switch (conversation->receive(text.toUtf8())) {
+    const QByteArray bytes = text.toUtf8();
+    switch (conversation->receive({bytes.constData(), static_cast<std::size_t>(bytes.size())})) {
     case Conversation::Verdict::GoOn:
         break;
     case Conversation::Verdict::Greeted:

@@ -8,7 +8,9 @@
 namespace Leap {
 
 ServiceRunner::ServiceRunner(std::shared_ptr<Session> session_)
-    : session(std::move(session_)), listeners([shared = session] { shared->run(); })
+    : session(std::move(session_)),
+      service(std::make_unique<ServiceThread>(session)),
+      listeners([shared = session] { shared->run(); })
 {
 }
 

@@ -4,7 +4,6 @@
 #include "platform/leap/Session.h"
 
 #include <algorithm>
-
 #include <cstdlib>
 #include <mutex>
 #include <utility>
@@ -57,7 +56,10 @@ ServiceThread::~ServiceThread()
     wait();
 }
 
-void ServiceThread::stopAtExit() { std::atexit(stopAll); }
+void ServiceThread::stopAtExit()
+{
+    std::atexit(stopAll);
+}
 
 void ServiceThread::run()
 {

@@ -3,7 +3,6 @@
 #include "platform/leap/FrameData.h"
 
 #include <algorithm>
-
 #include <utility>
 
 namespace Leap {

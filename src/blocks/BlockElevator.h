@@ -1,0 +1,57 @@
+#pragma once
+
+#include "level/Block.h"
+
+#include <QObject>
+#include <QTimer>
+#include <osg/Vec3d>
+
+#include <functional>
+
+/// A block that goes up or down through the board and is locked at each end of its way. Nothing
+/// moves it along a path: it is a body that the drive of a sliding joint pulls against a stop, and
+/// the ball rides on it by contact. An automatic one turns back a second after each end, the others
+/// wait for a button. Main thread.
+class BlockElevator : public QObject, public Block
+{
+    Q_OBJECT
+
+public:
+    /// What a pixel's saturation makes of an elevator.
+    struct Way
+    {
+        bool automatic;
+        double travel;  // signed, along the board's vertical; never 0
+
+        static Way ofSaturation(int saturation);
+    };
+
+    BlockElevator(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
+
+    /// Leaves in the other direction, from an end as well as on the way.
+    void onSignal(Block* source) override;
+
+    /// Sends the block home.
+    void reset() override;
+
+protected:
+    ~BlockElevator() override;
+
+private slots:
+    void toggle();
+
+private:
+    enum Direction : int { Home = -1, Out = 1 };
+
+    void createDrive();
+    void update();
+    void lockAt(double offset);
+
+    unsigned int driveJointId;
+    unsigned int lockJointId;
+    bool locked = false;
+    QTimer timer;
+    const Way way;
+    int direction = Out;
+    std::function<void()> frameTask;
+};

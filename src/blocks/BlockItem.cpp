@@ -1,0 +1,193 @@
+#include "blocks/BlockItem.h"
+
+#include "blocks/Decoration.h"
+#include "blocks/HidingCallback.h"
+#include "blocks/SingleShot.h"
+#include "game/Rollix.h"
+#include "level/Ball.h"
+#include "level/Board.h"
+#include "level/Level.h"
+
+#include <osg/ShapeDrawable>
+#include <osgDB/ReadFile>
+#include <osgDB/Registry>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+constexpr unsigned int motionDynamic = 0;
+constexpr unsigned int motionWithoutGravity = 1;
+constexpr int restMilliseconds = 10000;
+constexpr double millisecondsPerSecond = 1000.0;
+
+constexpr double displayScale = 0.2;
+constexpr double floatHeight = 0.3;  // over the block
+
+// Where the copies and their sign hover, in the display's frame. More than three are not shown.
+const osg::Vec3f copyPlaces[] = {osg::Vec3f(1.0f, 0.0f, 0.5f), osg::Vec3f(0.7f, 0.6f, -0.4f),
+                                 osg::Vec3f(1.4f, -0.6f, -0.2f)};
+constexpr int mostCopies = 3;
+const osg::Vec3f signPlace(-1.0f, 0.0f, 0.0f);
+constexpr float signLength = 1.0f;
+constexpr float signDepth = 0.2f;
+constexpr float signWidth = 0.3f;
+
+struct Appearance
+{
+    const char* modelFile;
+    osg::Vec4f color;
+};
+
+Appearance appearanceOf(ItemKind kind)
+{
+    switch (kind) {
+    case ItemKind::Coin:
+        return {"data/Rollix/coin.osgt", osg::Vec4f(1.0f, 0.85f, 0.0f, 1.0f)};
+    case ItemKind::Heart:
+        return {"data/Rollix/heart.osgt", osg::Vec4f(0.9f, 0.0f, 0.0f, 1.0f)};
+    case ItemKind::Weight:
+        break;
+    }
+    return {"data/Rollix/weight.osgt", osg::Vec4f(0.7f, 0.7f, 0.7f, 1.0f)};
+}
+
+/// The first drawable of a model file; null, with a line on standard output, if there is none.
+osg::ref_ptr<osg::Drawable> readModel(const std::string& file)
+{
+    const osg::ref_ptr<osg::Node> node =
+        osgDB::readRefNodeFile(file, osgDB::Registry::instance()->getOptions());
+    osg::Geode* geode = node ? node->asGeode() : nullptr;
+    if (geode && geode->getNumDrawables() > 0)
+        return geode->getDrawable(0);
+    std::cout << "I cannot read a model from " << file << std::endl;
+    return nullptr;
+}
+
+void displace(osg::Node* node, const osg::Vec3f& place)
+{
+    node->getOrCreateStateSet()->addUniform(new osg::Uniform("a_ItemDisplace", place),
+                                            osg::StateAttribute::ON);
+}
+
+void addCopies(osg::Group* parent, osg::Drawable* model, int count)
+{
+    const int copies = std::clamp(std::abs(count), 1, mostCopies);
+    for (int i = 0; i < copies; ++i) {
+        osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+        geode->addDrawable(model);
+        if (count != 0)
+            displace(geode, copyPlaces[i]);
+        parent->addChild(geode);
+    }
+}
+
+void addSign(osg::Group* parent, bool plus)
+{
+    osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    geode->addDrawable(
+        new osg::ShapeDrawable(new osg::Box(osg::Vec3f(), signLength, signDepth, signWidth)));
+    if (plus)
+        geode->addDrawable(
+            new osg::ShapeDrawable(new osg::Box(osg::Vec3f(), signWidth, signDepth, signLength)));
+    displace(geode, signPlace);
+    parent->addChild(geode);
+}
+
+}  // namespace
+
+class BlockItem::BlockItemCallback : public HidingCallback<BlockItem, &BlockItem::collected>
+{
+public:
+    using HidingCallback::HidingCallback;
+};
+
+BlockItem::BlockItem(Level& owner, float cellX, float cellY, int saturation, int value,
+                     BlockGroup& linkGroup)
+    : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Item")
+{
+    fixToBoard();
+    const ItemOption option = ItemOption::ofSaturation(saturation);
+    kind = option.kind;
+    amount = option.amount;
+    createDisplay(option.count);
+    level->board->addContactShape(this, id);
+}
+
+BlockItem::~BlockItem() = default;
+
+void BlockItem::createDisplay(int count)
+{
+    const Appearance appearance = appearanceOf(kind);
+    osg::ref_ptr<osg::MatrixTransform> display = new osg::MatrixTransform(
+        osg::Matrixd::scale(displayScale, displayScale, displayScale) *
+        osg::Matrixd::translate(0.0, 0.0, double(surfaceHeight()) + floatHeight));
+    if (const osg::ref_ptr<osg::Drawable> model = readModel(appearance.modelFile))
+        addCopies(display, model, count);
+    if (count != 0)
+        addSign(display, count > 0);
+    createProgram(display);
+    display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
+                                               osg::StateAttribute::ON);
+    display->setCullCallback(new BlockItemCallback(this));
+    transform->addChild(display);
+}
+
+void BlockItem::createProgram(osg::Node* display)
+{
+    itemProgram = addProgram(
+        display,
+        game()->sharedShader("itemShader.vert", GL_VERTEX_SHADER,
+                             {"data/phong_vert.glsl", "data/rotation.glsl"}),
+        game()->sharedShader("itemShader.frag", GL_FRAGMENT_SHADER, {"data/phong_frag.glsl"}));
+}
+
+void BlockItem::onBallContact(Ball*)
+{
+    if (collected)
+        return;
+    collected = true;
+    switch (kind) {
+    case ItemKind::Coin:
+        level->changeCoins(int(amount));
+        startTimer(restMilliseconds, &BlockItem::reset);
+        break;
+    case ItemKind::Heart:
+        // The last life's restart has reset this block before the timer starts; the reset that
+        // comes of it changes nothing.
+        level->changeLives(int(amount), false);
+        startTimer(restMilliseconds, &BlockItem::reset);
+        break;
+    case ItemKind::Weight:
+        setBallMotion(motionWithoutGravity);
+        startTimer(int(amount * millisecondsPerSecond), &BlockItem::endWeight);
+        break;
+    }
+}
+
+void BlockItem::endWeight()
+{
+    setBallMotion(motionDynamic);
+    startTimer(restMilliseconds, &BlockItem::reset);
+}
+
+void BlockItem::startTimer(int milliseconds, void (BlockItem::*slot)())
+{
+    startSingleShot(timer, milliseconds, this, slot);
+}
+
+void BlockItem::reset()
+{
+    timer.stop();
+    if (kind == ItemKind::Weight)
+        setBallMotion(motionDynamic);
+    collected = false;
+}
+
+void BlockItem::setBallMotion(unsigned int motion)
+{
+    game()->setMotion(level->ball->getId(), motion);
+}

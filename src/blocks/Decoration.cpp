@@ -1,0 +1,105 @@
+#include "blocks/Decoration.h"
+
+#include "game/Rollix.h"
+
+#include <osg/BlendFunc>
+#include <osg/Geode>
+#include <osg/Group>
+#include <osgParticle/FluidFrictionOperator>
+#include <osgParticle/ModularEmitter>
+#include <osgParticle/ModularProgram>
+#include <osgParticle/MultiSegmentPlacer>
+#include <osgParticle/ParticleSystem>
+#include <osgParticle/ParticleSystemUpdater>
+#include <osgParticle/RadialShooter>
+#include <osgParticle/RandomRateCounter>
+
+namespace {
+
+constexpr double lifeSeconds = 1.0;
+constexpr float mass = 0.01f;
+constexpr float halfTurn = 3.1415927f;  // sparks fly to all sides
+constexpr float slowestSpark = 1.0f;    // units a second
+constexpr float fastestSpark = 2.0f;
+
+osg::ref_ptr<osgParticle::ParticleSystem> createSystem(const Sparks& sparks)
+{
+    osg::ref_ptr<osgParticle::ParticleSystem> system = new osgParticle::ParticleSystem;
+    osg::StateSet* stateSet = system->getOrCreateStateSet();
+    stateSet->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
+    stateSet->setAttributeAndModes(new osg::BlendFunc(GL_SRC_ALPHA, GL_ONE),
+                                   osg::StateAttribute::ON);
+    osgParticle::Particle& spark = system->getDefaultParticleTemplate();
+    spark.setShape(sparks.shape);
+    spark.setSizeRange(sparks.size);
+    spark.setLifeTime(lifeSeconds);
+    spark.setMass(mass);
+    spark.setColorRange(sparks.color);
+    return system;
+}
+
+osg::ref_ptr<osgParticle::ModularProgram> createMotion(osgParticle::ParticleSystem* system,
+                                                       const osg::Vec3f& wind)
+{
+    osg::ref_ptr<osgParticle::FluidFrictionOperator> air = new osgParticle::FluidFrictionOperator;
+    air->setFluidToAir();
+    air->setWind(wind);
+    osg::ref_ptr<osgParticle::ModularProgram> motion = new osgParticle::ModularProgram;
+    motion->setParticleSystem(system);
+    motion->addOperator(air);
+    return motion;
+}
+
+osg::ref_ptr<osgParticle::ModularEmitter> createEmitter(osgParticle::ParticleSystem* system,
+                                                        const Sparks& sparks)
+{
+    osg::ref_ptr<osgParticle::RandomRateCounter> counter = new osgParticle::RandomRateCounter;
+    counter->setRateRange(sparks.rate);
+    osg::ref_ptr<osgParticle::MultiSegmentPlacer> placer = new osgParticle::MultiSegmentPlacer;
+    for (const osg::Vec3f& corner : sparks.source)
+        placer->addVertex(corner);
+    osg::ref_ptr<osgParticle::RadialShooter> shooter = new osgParticle::RadialShooter;
+    shooter->setThetaRange(0.0f, halfTurn);
+    shooter->setInitialSpeedRange(slowestSpark, fastestSpark);
+
+    osg::ref_ptr<osgParticle::ModularEmitter> emitter = new osgParticle::ModularEmitter;
+    emitter->setParticleSystem(system);
+    emitter->setCounter(counter);
+    emitter->setPlacer(placer);
+    emitter->setShooter(shooter);
+    return emitter;
+}
+
+}  // namespace
+
+osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
+                                       ShaderProgram::Shader* fragmentShader)
+{
+    osg::ref_ptr<ShaderProgram> program = new ShaderProgram(node);
+    program->setVertexShader(vertexShader);
+    program->setFragmentShader(fragmentShader);
+    return program;
+}
+
+osg::ref_ptr<ShaderProgram> addStandardProgram(osg::Node* node, Rollix* game)
+{
+    return addProgram(node, game->sharedShader("standardShader.vert", GL_VERTEX_SHADER),
+                      game->sharedShader("standardShader.frag", GL_FRAGMENT_SHADER));
+}
+
+osg::ref_ptr<ShaderProgram> addSparks(osg::Group* parent, const Sparks& sparks, Rollix* game)
+{
+    const osg::ref_ptr<osgParticle::ParticleSystem> system = createSystem(sparks);
+    osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    geode->addDrawable(system);
+    osg::ref_ptr<ShaderProgram> program = addStandardProgram(geode, game);
+    osg::ref_ptr<osgParticle::ParticleSystemUpdater> updater =
+        new osgParticle::ParticleSystemUpdater;
+    updater->addParticleSystem(system);
+
+    parent->addChild(geode);
+    parent->addChild(updater);
+    parent->addChild(createMotion(system, sparks.wind));
+    parent->addChild(createEmitter(system, sparks));
+    return program;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "shaders/ShaderProgram.h"
+
+#include <osg/Vec3f>
+#include <osg/Vec4f>
+#include <osg/ref_ptr>
+#include <osgParticle/Particle>
+#include <osgParticle/range>
+
+#include <vector>
+
+namespace osg {
+class Group;
+class Node;
+}  // namespace osg
+
+class Rollix;
+
+// What blocks hang on themselves besides their body. Each of these programs is drawn with for as
+// long as the caller keeps it.
+
+/// A program of these two stages on `node`.
+osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
+                                       ShaderProgram::Shader* fragmentShader);
+
+/// The program that draws things in their plain colour, whatever program is set above `node`.
+osg::ref_ptr<ShaderProgram> addStandardProgram(osg::Node* node, Rollix* game);
+
+/// A fountain that never runs dry. Positions and directions in the frame of the node that it hangs
+/// on.
+struct Sparks
+{
+    osgParticle::Particle::Shape shape = osgParticle::Particle::QUAD;  // as the library has it
+    osgParticle::rangef size;        // from a spark's birth to its end
+    osgParticle::rangev4 color;      // likewise
+    osgParticle::rangef rate;        // sparks a second
+    std::vector<osg::Vec3f> source;  // corners of the line on which sparks are born
+    osg::Vec3f wind;
+};
+
+/// Adds the fountain to `parent`; the result is the sparks' program.
+osg::ref_ptr<ShaderProgram> addSparks(osg::Group* parent, const Sparks& sparks, Rollix* game);

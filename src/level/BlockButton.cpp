@@ -1,0 +1,150 @@
+#include "level/BlockButton.h"
+
+#include "game/Rollix.h"
+#include "level/Board.h"
+#include "level/Level.h"
+#include "shaders/ShaderProgram.h"
+
+#include <QColor>
+#include <QTimer>
+#include <osg/MatrixTransform>
+#include <osg/ShapeDrawable>
+
+#include <iostream>
+
+namespace {
+
+constexpr float capRadius = 0.5f;
+constexpr float capHeight = 0.3f;
+const osg::Vec3f raised(0.0f, 0.0f, 0.0f);
+const osg::Vec3f sunk(0.0f, 0.0f, -0.14f);  // a hundredth of the cap stays over the block
+constexpr float animationSeconds = 0.5f;
+
+const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
+const osg::Vec4f blue(0.0f, 0.0f, 1.0f, 1.0f);
+const osg::Vec4f yellow(1.0f, 1.0f, 0.0f, 1.0f);
+
+// Long enough that one touch, in which the ball bounces, fires a toggle button only once.
+constexpr float toggleCoolDown = 1.0f;
+
+constexpr double quarterTurn = 1.5707963267948966;
+
+/// Turns a cap that leans towards a high edge at -x to lean towards the block's own one.
+double turnOfSlope(int slope)
+{
+    switch (slope) {
+    case 0:
+        return quarterTurn;
+    case 1:
+        return 2.0 * quarterTurn;
+    case 2:
+        return -quarterTurn;
+    default:
+        return 0.0;
+    }
+}
+
+}  // namespace
+
+BlockButton::Behaviour BlockButton::Behaviour::ofSaturation(int saturation)
+{
+    if (saturation >= 91 || saturation < 49)
+        return {OneShot, red, 0.0f};
+    if (saturation >= 59)
+        return {Timed, blue, float(int(((saturation - 60) + 3.0) / 3.0 + 0.5))};
+    return {Toggle, yellow, toggleCoolDown};
+}
+
+BlockButton::BlockButton(Level& owner, float cellX, float cellY, int saturation, int value,
+                         BlockGroup& linkGroup)
+    : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Button"),
+      behaviour(Behaviour::ofSaturation(saturation))
+{
+    fixToBoard();
+    level->board->addContactShape(this, id);
+    createCap();
+}
+
+BlockButton::~BlockButton() = default;
+
+void BlockButton::createCap()
+{
+    capGeode = new osg::Geode;
+    capGeode->addDrawable(
+        new osg::ShapeDrawable(new osg::Cylinder(osg::Vec3f(), capRadius, capHeight)));
+    osg::StateSet* stateSet = capGeode->getOrCreateStateSet();
+    pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
+    color = std::make_unique<UniformAnimation<osg::Vec4f>>(stateSet, "a_Color", behaviour.color);
+
+    capShader = new ShaderProgram(capGeode);
+    capShader->setVertexShader(
+        game()->sharedShader("animationShader.vert", GL_VERTEX_SHADER,
+                             {"data/easeFunctions.glsl", "data/phong_vert.glsl"}));
+    capShader->setFragmentShader(
+        game()->sharedShader("animationShader.frag", GL_FRAGMENT_SHADER,
+                             {"data/easeFunctions.glsl", "data/phong_frag.glsl"}));
+
+    osg::Vec3d alongSlope(1.0, 0.0, highHeight - lowHeight);
+    alongSlope.normalize();
+    osg::ref_ptr<osg::MatrixTransform> seat = new osg::MatrixTransform(
+        osg::Matrixd::rotate(alongSlope, osg::Vec3d(1.0, 0.0, 0.0)) *
+        osg::Matrixd::rotate(turnOfSlope(slope), osg::Vec3d(0.0, 0.0, 1.0)) *
+        osg::Matrixd::translate(0.0, 0.0, surfaceHeight()));
+    seat->addChild(capGeode);
+    transform->addChild(seat);
+}
+
+void BlockButton::onBallContact(Ball*)
+{
+    if (busy)
+        return;
+    busy = true;
+    signalGroup();
+    color->run(behaviour.color, grey(), frameTime(), animationSeconds);
+    if (behaviour.mode == OneShot) {
+        setPressed(true);
+        return;
+    }
+    setPressed(!pressed);
+    QTimer::singleShot(int(behaviour.coolDown * 1000.0), this, &BlockButton::cooledDown);
+}
+
+void BlockButton::cooledDown()
+{
+    color->run(grey(), behaviour.color, frameTime(), animationSeconds);
+    if (behaviour.mode == Timed) {
+        setPressed(!pressed);
+        signalGroup();
+    }
+    busy = false;
+}
+
+void BlockButton::signalGroup()
+{
+    for (const osg::ref_ptr<Block>& block : *group)
+        block->onSignal(this);
+}
+
+void BlockButton::setPressed(bool down)
+{
+    pressed = down;
+    pose->run(down ? raised : sunk, down ? sunk : raised, frameTime(), animationSeconds);
+}
+
+/// The colour's brightness as Qt's qGray weighs it, in all four channels: alpha fades as well.
+osg::Vec4f BlockButton::grey() const
+{
+    const osg::Vec4f& full = behaviour.color;
+    const int brightness = qGray(int(full.r() * 255), int(full.g() * 255), int(full.b() * 255));
+    const float channel = float(brightness / 255.0);
+    return osg::Vec4f(channel, channel, channel, channel);
+}
+
+void BlockButton::reset()
+{
+    pressed = false;
+    busy = false;
+    pose->stop(raised);
+    color->stop(behaviour.color);
+    std::cout << "reset" << std::endl;
+}
