@@ -6,9 +6,9 @@
 // for it, and dies away. A faster ball stays on the wood for a shorter time, so that it sounds
 // brighter. The ball itself answers too, high and very short.
 
-#include <algorithm>
 #include <sndfile.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>

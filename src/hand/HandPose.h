@@ -32,8 +32,8 @@ HandPose handPose(const Leap::Hand& hand, float cameraAngle);
 /// fromForward (body coordinates, unit length) point to toDown and, as far as that leaves a choice,
 /// to toForward (world coordinates, unit length).
 ///
-/// It is exact for a tilt without a twist and for a twist without a tilt. Of both together it is the
-/// first of a few steps: who follows it and asks again with every frame arrives.
+/// It is exact for a tilt without a twist and for a twist without a tilt. Of both together it is
+/// the first of a few steps: who follows it and asks again with every frame arrives.
 ///
 /// The result is a rotation vector of the world, axis times angle in radians, and zero unless the
 /// angle is greater than minAngle.

@@ -101,6 +101,7 @@ void Block::createRamp(float low, float high, int direction, bool dynamic, std::
         createOwnTransform(geometry, shaderGroup);
         game()->createConvex(id, vertices, density, "holz", motionWithoutGravity, boardGroup,
                              boardMask);
+        game()->setFamily(id, boardFamily);
         game()->setPose(id, transform->getMatrix());
     } else {
         level->board->getGeode()->addDrawable(geometry);
@@ -122,6 +123,7 @@ void Block::createCuboid(float top, bool dynamic, std::string shaderGroup)
     if (dynamic) {
         createOwnTransform(box, shaderGroup);
         game()->createBox(id, size, density, "holz", motionWithoutGravity, boardGroup, boardMask);
+        game()->setFamily(id, boardFamily);
         game()->setPose(id, transform->getMatrix());
     } else {
         level->board->getGeode()->addDrawable(box);

@@ -202,6 +202,7 @@ void Board::mergeStaticBlocks(int columns, int rows)
 
 void Board::finishBody()
 {
+    game()->setFamily(id, boardFamily);
     game()->finishActor(id, density);
     game()->setPose(id, transform->getMatrix());
 }

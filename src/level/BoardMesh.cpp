@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace
-{
+namespace {
 
 constexpr float tolerance = 1.0e-4f;
 

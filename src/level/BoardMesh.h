@@ -5,8 +5,7 @@
 
 #include <functional>
 
-namespace osg
-{
+namespace osg {
 class Geode;
 }
 

@@ -9,3 +9,6 @@ constexpr unsigned int ballGroup = 4;
 constexpr unsigned int groundMask = ballGroup;
 constexpr unsigned int boardMask = ballGroup;
 constexpr unsigned int ballMask = groundGroup | boardGroup;
+
+// The board and all blocks: they touch each other with whole faces and are never to collide.
+constexpr unsigned int boardFamily = 1;

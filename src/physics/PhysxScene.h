@@ -15,7 +15,8 @@
 #include <vector>
 
 /// Decides what a pair of shapes reports. Every solid pair collides and takes part in continuous
-/// collision detection; the filter words only gate who is told of it.
+/// collision detection, unless both are of one family (word 2); group and mask (words 0 and 1)
+/// only gate who is told of it.
 physx::PxFilterFlags filterShader(physx::PxFilterObjectAttributes attributes0,
                                   physx::PxFilterData data0,
                                   physx::PxFilterObjectAttributes attributes1,
@@ -102,6 +103,11 @@ public:
     /// A static, endless plane through a point; the side that the normal points to is free.
     bool createPlane(unsigned int id, std::string material, const osg::Vec3f& point,
                      const osg::Vec3f& normal, unsigned int filterGroup, unsigned int filterMask);
+
+    /// The shapes that the actor has so far pass through those of the same family, whatever their
+    /// group and mask. For bodies that are tied together side by side: one that slides between
+    /// two others would hang on their edges. 0 is no family.
+    bool setFamily(unsigned int id, unsigned int family);
 
     /// Queued. The actor is put there, whatever its motion; its velocity stays.
     void setPose(unsigned int id, const osg::Matrixd& pose);

@@ -262,3 +262,16 @@ bool PhysxScene::createPlane(unsigned int id, std::string material, const osg::V
     addToScene(actor, planeDensity);
     return shape;
 }
+
+bool PhysxScene::setFamily(unsigned int id, unsigned int family)
+{
+    PxRigidActor* actor = findActor(id);
+    if (!actor)
+        return false;
+    for (PxShape* shape : shapesOf(*actor)) {
+        PxFilterData data = shape->getSimulationFilterData();
+        data.word2 = family;
+        shape->setSimulationFilterData(data);
+    }
+    return true;
+}

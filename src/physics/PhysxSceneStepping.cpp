@@ -29,6 +29,8 @@ PxFilterFlags filterShader(PxFilterObjectAttributes attributes0, PxFilterData da
             pairFlags = PxPairFlag::eTRIGGER_DEFAULT;
         return PxFilterFlag::eDEFAULT;
     }
+    if (data0.word2 != 0 && data0.word2 == data1.word2)
+        return PxFilterFlag::eSUPPRESS;
     // PhysX finds no contacts at all for a pair that does not ask for discrete detection as well.
     pairFlags = PxPairFlag::eSOLVE_CONTACT | PxPairFlag::eDETECT_DISCRETE_CONTACT |
                 PxPairFlag::eDETECT_CCD_CONTACT;

@@ -8,7 +8,10 @@
 #include "level/Level.h"
 #include "support/FrameGrab.h"
 
+#include <osgParticle/ModularEmitter>
+#include <osgParticle/ModularProgram>
 #include <osgParticle/ParticleSystem>
+#include <osgParticle/ParticleSystemUpdater>
 
 #include <cmath>
 
@@ -450,6 +453,30 @@ TEST_F(BlockTrapTest, WellHasABlackDiscOfItsSize)
         EXPECT_FLOAT_EQ(discs[0]->getRadius(), radius[step]);
         EXPECT_FLOAT_EQ(discs[0]->getHeight(), 0.01f);
     }
+}
+
+TEST_F(BlockTrapTest, WellHasItsSparksBesideItsBodyInTheOrderInWhichTheyAreServed)
+{
+    loadsTrap(wellOfStep[0]);
+    const osg::MatrixTransform* parts = trap().getTransform();
+    ASSERT_EQ(parts->getNumChildren(), 6u);
+    const osg::Geode* body = parts->getChild(1)->asGeode();
+    ASSERT_TRUE(body);
+    const auto* system = dynamic_cast<const osgParticle::ParticleSystem*>(body->getDrawable(0));
+    ASSERT_TRUE(system);
+    EXPECT_TRUE(dynamic_cast<const osgParticle::ParticleSystemUpdater*>(parts->getChild(2)));
+    EXPECT_TRUE(dynamic_cast<const osgParticle::ModularProgram*>(parts->getChild(3)));
+    EXPECT_TRUE(dynamic_cast<const osgParticle::ModularEmitter*>(parts->getChild(4)));
+
+    const osgParticle::Particle& spark = system->getDefaultParticleTemplate();
+    EXPECT_EQ(spark.getShape(), osgParticle::Particle::HEXAGON);
+    EXPECT_DOUBLE_EQ(spark.getLifeTime(), 1.0);
+    EXPECT_FLOAT_EQ(spark.getMass(), 0.01f);
+    EXPECT_FLOAT_EQ(spark.getSizeRange().minimum, 0.03f);
+    EXPECT_FLOAT_EQ(spark.getSizeRange().maximum, 0.07f);
+    EXPECT_EQ(spark.getColorRange().minimum, osg::Vec4f(0.0f, 0.0f, 0.0f, 1.0f));
+    EXPECT_EQ(spark.getColorRange().maximum, osg::Vec4f(1.0f, 0.0f, 0.0f, 1.0f));
+    EXPECT_TRUE(body->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM));
 }
 
 TEST_F(BlockTrapTest, WellSpraysSparksThatLeaveNothingBehindWithTheLevel)

@@ -3,13 +3,13 @@
 #include "hud/AbstractHUD.h"
 #include "support/OffscreenView.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <osg/Geometry>
 #include <osg/Image>
 #include <osg/Vec3i>
 #include <osgText/Text>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 

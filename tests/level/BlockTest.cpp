@@ -15,6 +15,7 @@
 #include <osg/ShapeDrawable>
 
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -108,42 +109,71 @@ std::vector<osg::Vec3f> pointsOf(const osg::Drawable& drawable)
     return {vertices->begin(), vertices->end()};
 }
 
+/// Every shape of the format in a row, with a hole between one and the next.
+LevelPicture allShapes(const std::function<Cell(int value)>& cellOf)
+{
+    LevelPicture picture(88, 1);
+    for (int value = 57; value <= 100; ++value)
+        picture.set(2 * (value - 57), 0, cellOf(value));
+    return picture;
+}
+
 TEST_F(BlockTest, StandsMergedIntoTheBoardInTheShapeOfItsValue)
 {
-    LevelPicture picture(44, 1);
-    for (int value = 57; value <= 100; ++value)
-        picture.set(value - 57, 0, staticOf(value));
-    loads(picture);
+    loads(allShapes(staticOf));
     const std::vector<PxShape*> shapes = shapesOf(board().getId());
     ASSERT_EQ(shapes.size(), 44u);
-    ASSERT_EQ(board().getGeode()->getNumDrawables(), 44u);
     for (int value = 57; value <= 100; ++value) {
         SCOPED_TRACE(value);
-        Block* block = blockAt(value - 57, 0);
+        Block* block = blockAt(2 * (value - 57), 0);
         ASSERT_NE(block, nullptr);
         const BlockShape shape = BlockShape::ofValue(value);
         const osg::Vec3f origin(block->x, block->y, 0.0f);
         EXPECT_EQ(block->height, shape.highHeight);
         EXPECT_EQ(block->getTransform(), board().getTransform());
-        const unsigned int i = unsigned(value) - 57;
-        expectCorners(pointsOf(*shapes[i]), shape, origin);
-        expectCorners(pointsOf(*board().getGeode()->getDrawable(i)), shape, origin);
-        EXPECT_EQ(shapes[i]->getSimulationFilterData().word0, 2u);
-        EXPECT_EQ(shapes[i]->getSimulationFilterData().word1, 4u);
+        const PxShape& body = *shapes[unsigned(value) - 57];
+        expectCorners(pointsOf(body), shape, origin);
+        EXPECT_EQ(body.getSimulationFilterData().word0, 2u);
+        EXPECT_EQ(body.getSimulationFilterData().word1, 4u);
+    }
+}
+
+TEST_F(BlockTest, IsDrawnAsItStandsSeenFromOutside)
+{
+    loads(allShapes(staticOf));
+    ASSERT_EQ(board().getGeode()->getNumDrawables(), 1u);
+    const osg::Geometry* mesh = board().getGeode()->getDrawable(0)->asGeometry();
+    const auto& vertices = static_cast<const osg::Vec3Array&>(*mesh->getVertexArray());
+    const auto& normals = static_cast<const osg::Vec3Array&>(*mesh->getNormalArray());
+    for (int value = 57; value <= 100; ++value) {
+        SCOPED_TRACE(value);
+        const Block* block = blockAt(2 * (value - 57), 0);
+        const BlockShape shape = BlockShape::ofValue(value);
+        const osg::Vec3f middle(block->x, block->y,
+                                (shape.lowHeight + shape.highHeight) * 0.25f);
+        std::vector<osg::Vec3f> points;
+        for (std::size_t i = 0; i < vertices.size(); i += 3) {
+            if (std::fabs(vertices[i].x() - block->x) > 0.51f)
+                continue;
+            points.insert(points.end(), {vertices[i], vertices[i + 1], vertices[i + 2]});
+            const osg::Vec3f face = (vertices[i] + vertices[i + 1] + vertices[i + 2]) / 3.0f;
+            EXPECT_GT(normals[i] * (face - middle), 0.0f);
+            const osg::Vec3f winding =
+                (vertices[i + 1] - vertices[i]) ^ (vertices[i + 2] - vertices[i]);
+            EXPECT_GT(winding * normals[i], 0.0f) << "what looks away is not drawn";
+        }
+        expectCorners(points, shape, osg::Vec3f(block->x, block->y, 0.0f));
     }
 }
 
 TEST_F(BlockTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
 {
-    LevelPicture picture(44, 1);
-    for (int value = 57; value <= 100; ++value)
-        picture.set(value - 57, 0, dynamicOf(value));
-    loads(picture);
+    loads(allShapes(dynamicOf));
     EXPECT_EQ(board().getGeode()->getNumDrawables(), 0u);
     EXPECT_TRUE(shapesOf(board().getId()).empty());
     for (int value = 57; value <= 100; ++value) {
         SCOPED_TRACE(value);
-        Block* block = blockAt(value - 57, 0);
+        Block* block = blockAt(2 * (value - 57), 0);
         ASSERT_NE(block, nullptr);
         const BlockShape shape = BlockShape::ofValue(value);
         const osg::Vec3f origin(block->x, block->y, shape.highHeight * 0.5f);
@@ -167,17 +197,15 @@ TEST_F(BlockTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
 
 TEST_F(BlockTest, HasFacesThatLookOutwards)
 {
-    LevelPicture picture(44, 1);
-    for (int value = 57; value <= 100; ++value)
-        picture.set(value - 57, 0, staticOf(value));
-    loads(picture);
+    loads(allShapes(dynamicOf));
     int ramps = 0;
-    for (unsigned int i = 0; i < 44; ++i) {
-        const osg::Geometry* geometry = board().getGeode()->getDrawable(i)->asGeometry();
+    for (int value = 57; value <= 100; ++value) {
+        SCOPED_TRACE(value);
+        const osg::Geode* geode = blockAt(2 * (value - 57), 0)->getTransform()->getChild(0)->asGeode();
+        const osg::Geometry* geometry = geode->getDrawable(0)->asGeometry();
         if (dynamic_cast<const osg::ShapeDrawable*>(geometry))
             continue;
         ++ramps;
-        SCOPED_TRACE(i + 57);
         const auto& vertices = static_cast<const osg::Vec3Array&>(*geometry->getVertexArray());
         const auto& normals = static_cast<const osg::Vec3Array&>(*geometry->getNormalArray());
         ASSERT_EQ(geometry->getNumPrimitiveSets(), 6u);
@@ -271,24 +299,18 @@ TEST_F(BlockTest, IsNothingButANumberUnderValueFiftySeven)
 
 TEST_F(BlockTest, IsRefusedWithoutABodyIfItNeedsOne)
 {
-    struct Kind
-    {
-        int hue;
-        int saturation;
-    };
     for (const int value : {40, 56}) {
-        for (const Kind& kind : {Kind{135, 100}}) {
+        for (const int hue : {135, 270, 225, 180, 0, 45, 315}) {
             LevelPicture picture(4, 2);
-            picture.set(0, 0, cells::floor).set(2, 1, {kind.hue, kind.saturation, value, 200});
+            picture.set(0, 0, cells::floor).set(2, 1, {hue, 100, value, 200});
             OutputCapture output;
             loads(picture);
             EXPECT_EQ(output.text(),
                       "reading level data/Rollix/level0.png\n"
                       "I cannot build the block of data/Rollix/level0.png at column 2, row 1: it "
                       "has hue " +
-                          std::to_string(kind.hue) + ", saturation " +
-                          std::to_string(kind.saturation) + ", value " + std::to_string(value) +
-                          ", alpha 200, and a value under 57 gives it no body.\n");
+                          std::to_string(hue) + ", saturation 100, value " +
+                          std::to_string(value) + ", alpha 200, and a value under 57 gives it no body.\n");
             EXPECT_EQ(board().getBlocks().size(), 1u);
             EXPECT_EQ(board().getGroups().count(200), 1u);
             ticks(3);

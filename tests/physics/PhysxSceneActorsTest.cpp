@@ -149,6 +149,7 @@ TEST_F(PhysxSceneActors, ComplainOfEveryUnknownId)
         outputOf([&] { EXPECT_FALSE(scene->addConvexShape(99, unitCube(), "holz", 2, 4, false)); }),
         unknown);
     EXPECT_EQ(outputOf([&] { EXPECT_FALSE(scene->finishActor(99, 1)); }), unknown);
+    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(scene->setFamily(99, 1)); }), unknown);
     EXPECT_EQ(outputOf([&] { scene->setPose(99, {}); }), unknown);
     EXPECT_EQ(outputOf([&] { scene->setPoseWithAttached(99, {}); }), unknown);
     EXPECT_EQ(outputOf([&] { scene->addForce(99, zero, 0, true); }), unknown);

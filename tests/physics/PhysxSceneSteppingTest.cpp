@@ -152,6 +152,32 @@ TEST_F(PhysxSceneStepping, FiltersByBothWordsOfBothShapes)
                     }
 }
 
+TEST_F(PhysxSceneStepping, LetsOnlyBodiesOfOneFamilyPassThroughEachOther)
+{
+    for (const auto& [family, passes] : {std::pair(0u, false), {1u, false}, {2u, true}}) {
+        SCOPED_TRACE(family);
+        scene->clear();
+        scene->createMaterial("holz", 0.2f, 0.05f, 0.0f);
+        box(0, 2, {2, 2, 1});
+        scene->setFamily(0, family == 0 ? 0 : 2);
+        box(1);
+        scene->setPose(1, osg::Matrixd::translate(0, 0, 2));
+        EXPECT_TRUE(scene->setFamily(1, family));
+        scene->steps(60);
+        EXPECT_EQ(scene->position(1).z() < 0.0f, passes);
+    }
+}
+
+TEST_F(PhysxSceneStepping, TellsOfTheTouchOfAFamilyWithAnother)
+{
+    box(0, 2, {2, 2, 1});
+    scene->setFamily(0, 1);
+    ball(1, {0, 0, 1});
+    scene->steps(30);
+    EXPECT_EQ(scene->contacts, 1);
+    EXPECT_GT(scene->position(1).z(), 0.7f);
+}
+
 TEST_F(PhysxSceneStepping, RecognisesActorsInEitherOrder)
 {
     plane(0);

@@ -1,8 +1,8 @@
 #include "shaders/ShaderProgram.h"
 
 #include "support/EventLoop.h"
-#include "support/OutputCapture.h"
 #include "support/OffscreenView.h"
+#include "support/OutputCapture.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,9 +1,9 @@
 #include "platform/fmod/SoundFile.h"
 #include "support/SoundOutputs.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>

@@ -5,8 +5,8 @@
 #include "platform/fmod/Voice.h"
 
 #include <AL/alext.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <utility>
 
 Sample::Sample(Mixer& owner, ALuint loadedBuffer, double length, bool looping)
