@@ -26,7 +26,7 @@ namespace {
 /// Of the format's four directions, where the high edge lies.
 const osg::Vec2f uphill[] = {{0.0f, -1.0f}, {1.0f, 0.0f}, {0.0f, 1.0f}, {-1.0f, 0.0f}};
 
-class BlockTest : public GameTest
+class BlockShapeTest : public GameTest
 {
 protected:
     std::vector<PxShape*> shapesOf(unsigned int id)
@@ -118,7 +118,7 @@ LevelPicture allShapes(const std::function<Cell(int value)>& cellOf)
     return picture;
 }
 
-TEST_F(BlockTest, StandsMergedIntoTheBoardInTheShapeOfItsValue)
+TEST_F(BlockShapeTest, StandsMergedIntoTheBoardInTheShapeOfItsValue)
 {
     loads(allShapes(staticOf));
     const std::vector<PxShape*> shapes = shapesOf(board().getId());
@@ -138,7 +138,7 @@ TEST_F(BlockTest, StandsMergedIntoTheBoardInTheShapeOfItsValue)
     }
 }
 
-TEST_F(BlockTest, IsDrawnAsItStandsSeenFromOutside)
+TEST_F(BlockShapeTest, IsDrawnAsItStandsSeenFromOutside)
 {
     loads(allShapes(staticOf));
     ASSERT_EQ(board().getGeode()->getNumDrawables(), 1u);
@@ -166,7 +166,7 @@ TEST_F(BlockTest, IsDrawnAsItStandsSeenFromOutside)
     }
 }
 
-TEST_F(BlockTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
+TEST_F(BlockShapeTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
 {
     loads(allShapes(dynamicOf));
     EXPECT_EQ(board().getGeode()->getNumDrawables(), 0u);
@@ -195,7 +195,7 @@ TEST_F(BlockTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
     EXPECT_EQ(board().shaderGroup("Checkpoint")->getNumChildren(), 44u);
 }
 
-TEST_F(BlockTest, HasFacesThatLookOutwards)
+TEST_F(BlockShapeTest, HasFacesThatLookOutwards)
 {
     loads(allShapes(dynamicOf));
     int ramps = 0;
@@ -231,7 +231,7 @@ TEST_F(BlockTest, HasFacesThatLookOutwards)
     EXPECT_EQ(ramps, 40);
 }
 
-TEST_F(BlockTest, LetsTheBallRollDownItsSlope)
+TEST_F(BlockShapeTest, LetsTheBallRollDownItsSlope)
 {
     for (const bool dynamic : {false, true}) {
         for (int slope = 0; slope < 4; ++slope) {
@@ -252,7 +252,7 @@ TEST_F(BlockTest, LetsTheBallRollDownItsSlope)
     }
 }
 
-TEST_F(BlockTest, StandsInItsCellSeenFromAbove)
+TEST_F(BlockShapeTest, StandsInItsCellSeenFromAbove)
 {
     loads(LevelPicture(20, 20, cells::floor));
     const auto& blocks = board().getBlocks();
@@ -270,7 +270,7 @@ TEST_F(BlockTest, StandsInItsCellSeenFromAbove)
     EXPECT_EQ(blockAt(2, 0)->x, 0.0f) << "an odd width has a middle column";
 }
 
-TEST_F(BlockTest, IsNothingButANumberUnderValueFiftySeven)
+TEST_F(BlockShapeTest, IsNothingButANumberUnderValueFiftySeven)
 {
     LevelPicture picture(57, 1);
     // As a paint program would: half of the green is red.
@@ -297,7 +297,7 @@ TEST_F(BlockTest, IsNothingButANumberUnderValueFiftySeven)
     ticks(3);
 }
 
-TEST_F(BlockTest, IsRefusedWithoutABodyIfItNeedsOne)
+TEST_F(BlockShapeTest, IsRefusedWithoutABodyIfItNeedsOne)
 {
     for (const int value : {40, 56}) {
         for (const int hue : {135, 270, 225, 180, 0, 45, 315}) {
@@ -318,7 +318,7 @@ TEST_F(BlockTest, IsRefusedWithoutABodyIfItNeedsOne)
     }
 }
 
-TEST_F(BlockTest, MovesWithTheBoardItIsFixedTo)
+TEST_F(BlockShapeTest, MovesWithTheBoardItIsFixedTo)
 {
     LevelPicture picture(9, 9, cells::floor);
     picture.set(7, 1, dynamicOf(86));
@@ -337,7 +337,7 @@ TEST_F(BlockTest, MovesWithTheBoardItIsFixedTo)
     EXPECT_GT(up * boardUp, 0.9999);
 }
 
-TEST_F(BlockTest, DoesNothingByItselfAboutEvents)
+TEST_F(BlockShapeTest, DoesNothingByItselfAboutEvents)
 {
     loads({"S.."});
     ticks();
@@ -355,7 +355,7 @@ TEST_F(BlockTest, DoesNothingByItselfAboutEvents)
     EXPECT_EQ(game.state, GameState::Playing);
 }
 
-TEST_F(BlockTest, RemembersItsEdges)
+TEST_F(BlockShapeTest, RemembersItsEdges)
 {
     loads({"S"});
     const osg::ref_ptr<ProbeBlock> ramp = new ProbeBlock(level(), 4.0f, 0.0f, 99);
