@@ -166,9 +166,9 @@ protected:
     void changes(unsigned int number)
     {
         game.loadLevel(number);
-        draws(true);
+        // Into the small window: what OpenGL holds does not depend on the size.
+        game.getCamera()->setCullMask(~0u);
         ticks(2);
-        draws(false);
         QCoreApplication::processEvents();
     }
 };

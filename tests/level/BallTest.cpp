@@ -38,7 +38,7 @@ TEST_F(BallTest, IsASmallRedSphereOfWood)
 
     PxShape* shape = nullptr;
     ASSERT_EQ(body().getShapes(&shape, 1), 1u);
-    EXPECT_EQ(PxGeometryHolder(shape->getGeometry()).sphere().radius, 0.3f);
+    EXPECT_EQ(static_cast<const PxSphereGeometry&>(shape->getGeometry()).radius, 0.3f);
     EXPECT_EQ(shape->getSimulationFilterData().word0, 4u);
     EXPECT_EQ(shape->getSimulationFilterData().word1, 3u);
     EXPECT_NEAR(body().getMass(), 4.0 / 3.0 * osg::PI * 0.027, 1e-4);

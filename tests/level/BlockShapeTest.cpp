@@ -74,9 +74,9 @@ std::vector<osg::Vec3f> pointsOf(const PxShape& shape)
 {
     std::vector<osg::Vec3f> points;
     const PxTransform pose = shape.getLocalPose();
-    PxGeometryHolder holder(shape.getGeometry());
-    if (holder.getType() == PxGeometryType::eBOX) {
-        const PxVec3 half = holder.box().halfExtents;
+    const PxGeometry& geometry = shape.getGeometry();
+    if (geometry.getType() == PxGeometryType::eBOX) {
+        const PxVec3 half = static_cast<const PxBoxGeometry&>(geometry).halfExtents;
         for (const float x : {-half.x, half.x}) {
             for (const float y : {-half.y, half.y}) {
                 for (const float z : {-half.z, half.z}) {
@@ -86,7 +86,7 @@ std::vector<osg::Vec3f> pointsOf(const PxShape& shape)
             }
         }
     } else {
-        const PxConvexMesh* mesh = holder.convexMesh().convexMesh;
+        const PxConvexMesh* mesh = static_cast<const PxConvexMeshGeometry&>(geometry).convexMesh;
         for (PxU32 i = 0; i < mesh->getNbVertices(); ++i) {
             const PxVec3 corner = pose.transform(mesh->getVertices()[i]);
             points.emplace_back(corner.x, corner.y, corner.z);
@@ -189,9 +189,11 @@ TEST_F(BlockShapeTest, IsCentredOnItsOwnTransformWhenItIsDynamic)
         EXPECT_EQ(shapes[0]->getSimulationFilterData().word1, 4u);
         const osg::Geode* geode = block->getTransform()->getChild(0)->asGeode();
         expectCorners(pointsOf(*geode->getDrawable(0)), shape, floor);
+    }
+    ticks();
+    for (const osg::ref_ptr<Block>& block : board().getBlocks())
         EXPECT_TRUE(GameInside::bodyOf(game, block->getId()).getActorFlags() &
                     PxActorFlag::eDISABLE_GRAVITY);
-    }
     EXPECT_EQ(board().shaderGroup("Checkpoint")->getNumChildren(), 44u);
 }
 

@@ -179,7 +179,10 @@ TEST_F(LevelFileTest, MayBeOfAnyKindOfPng)
         ticks(2);
         return blocks();
     };
-    EXPECT_EQ(reads(picture.image().convertToFormat(QImage::Format_Indexed8)), expected);
+    QVector<QRgb> palette;
+    for (const Cell& cell : {cells::floor, cells::start, cells::wall, cells::goal, cells::hole})
+        palette.append(colorOf(cell));
+    EXPECT_EQ(reads(picture.image().convertToFormat(QImage::Format_Indexed8, palette)), expected);
     EXPECT_EQ(reads(picture.image().convertToFormat(QImage::Format_RGBA64)), expected);
     EXPECT_EQ(reads(picture.image().convertToFormat(QImage::Format_RGB32)), expected);
     EXPECT_EQ(reads(picture.image().convertToFormat(QImage::Format_Grayscale8)), "");

@@ -80,7 +80,8 @@ public:
         event.xkey.window = window;
         event.xkey.root = DefaultRootWindow(display);
         event.xkey.same_screen = True;
-        event.xkey.time = CurrentTime;
+        // A release and a press of one moment would be taken for a key that repeats.
+        event.xkey.time = time += 20;
         event.xkey.keycode = XKeysymToKeycode(display, symbol);
         if (XkbKeycodeToKeysym(display, KeyCode(event.xkey.keycode), 0, 0) != symbol)
             event.xkey.state = ShiftMask;
@@ -125,6 +126,7 @@ private:
     Display* display;
     XErrorHandler before;
     Window window = 0;
+    Time time = 1000;  // milliseconds, of the last key event
 };
 
 ProgramWindow::ProgramWindow() : connection(std::make_unique<Connection>()) {}

@@ -35,6 +35,11 @@ public:
         pair.contactImpulses = stream.impulses.data();
         pair.contactCount = physx::PxU8(impulses.size());
         pair.patchCount = impulses.empty() ? 0 : 1;
+        pair.requiredBufferSize = 0;
+        pair.contactStreamSize = 0;
+        pair.events = physx::PxPairFlags();
+        pair.internalData[0] = 0;
+        pair.internalData[1] = 0;
         pair.flags = physx::PxContactPairFlag::eINTERNAL_HAS_IMPULSES;
         pairs.push_back(pair);
         return *this;
