@@ -189,7 +189,8 @@ TEST_F(RibbonTest, GoesOnBehindTheBallInTheGame)
     const osg::Geometry& trail = stripBelow(*board().getTransform());
     const auto& vertices = static_cast<const osg::Vec3Array&>(*trail.getVertexArray());
     const auto& colors = static_cast<const osg::Vec4Array&>(*trail.getColorArray());
-    EXPECT_EQ(osg::Vec3f(colors[0].r(), colors[0].g(), colors[0].b()), osg::Vec3f(0.5f, 0.5f, 1.0f));
+    EXPECT_EQ(osg::Vec3f(colors[0].r(), colors[0].g(), colors[0].b()),
+              osg::Vec3f(0.5f, 0.5f, 1.0f));
     const auto spread = [&] {
         osg::BoundingBox box;
         for (const osg::Vec3f& vertex : vertices)

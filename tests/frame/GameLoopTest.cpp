@@ -122,7 +122,9 @@ protected:
 struct Counter
 {
     int runs = 0;
-    GameLoop::Task task = [this] { ++runs; };
+    GameLoop::Task task = [this] {
+        ++runs;
+    };
 };
 
 TEST_F(GameLoopTest, DoesNothingWithoutAnApplication)
@@ -160,8 +162,12 @@ TEST_F(GameLoopTest, DoesNothingWithoutAnApplication)
 TEST_F(GameLoopTest, GoesThroughATickInOneOrder)
 {
     attach();
-    GameLoop::Task frameTask = [this] { application->happened.emplace_back("frame task"); };
-    GameLoop::Task intervalTask = [this] { application->happened.emplace_back("interval task"); };
+    GameLoop::Task frameTask = [this] {
+        application->happened.emplace_back("frame task");
+    };
+    GameLoop::Task intervalTask = [this] {
+        application->happened.emplace_back("interval task");
+    };
     GameLoop::addFrameTask(&frameTask);
     GameLoop::addIntervalTask(&intervalTask, 1.0);
     atFrame([this] { application->happened.emplace_back("frame"); });
@@ -169,9 +175,8 @@ TEST_F(GameLoopTest, GoesThroughATickInOneOrder)
     application->happened.clear();
     const float before = application->path();
     tickAt(1.0);
-    EXPECT_EQ(application->happened,
-              (std::vector<std::string>{"frame task", "interval task", "update", "transforms",
-                                        "frame"}));
+    EXPECT_EQ(application->happened, (std::vector<std::string>{"frame task", "interval task",
+                                                               "update", "transforms", "frame"}));
     EXPECT_EQ(application->pathAtUpdate, before) << "the step comes after the update";
     EXPECT_NEAR(application->pathAtSync - before, 0.02f, 1e-5f) << "and before the transforms";
     GameLoop::removeFrameTask(&frameTask);
@@ -183,7 +188,9 @@ TEST_F(GameLoopTest, RunsATaskThatATaskAddsFromTheNextTickOn)
 {
     attach();
     Counter added;
-    GameLoop::Task adder = [&] { GameLoop::addFrameTask(&added.task); };
+    GameLoop::Task adder = [&] {
+        GameLoop::addFrameTask(&added.task);
+    };
     GameLoop::addFrameTask(&adder);
     tick();
     EXPECT_EQ(added.runs, 0);
@@ -235,7 +242,9 @@ TEST_F(GameLoopTest, TellsTasksApartByTheirAddress)
 {
     attach();
     int runs = 0;
-    GameLoop::Task first = [&] { ++runs; };
+    GameLoop::Task first = [&] {
+        ++runs;
+    };
     GameLoop::Task second = first;
     GameLoop::addFrameTask(&first);
     GameLoop::addFrameTask(&second);
@@ -270,8 +279,12 @@ TEST_F(GameLoopTest, RunsTheNewestTaskOfAnIntervalFirst)
 {
     attach();
     std::string order;
-    GameLoop::Task older = [&] { order += "older "; };
-    GameLoop::Task newer = [&] { order += "newer "; };
+    GameLoop::Task older = [&] {
+        order += "older ";
+    };
+    GameLoop::Task newer = [&] {
+        order += "newer ";
+    };
     GameLoop::addIntervalTask(&older, 1.0);
     GameLoop::addIntervalTask(&newer, 1.0);
     tickAt(0.0);
@@ -410,7 +423,9 @@ TEST_F(GameLoopTest, OnlyDrawsWhilePaused)
 
 TEST_F(GameLoopTest, SlowsTheWorldWhenTicksAreSlow)
 {
-    GameLoop::Task dawdler = [] { QThread::msleep(35); };
+    GameLoop::Task dawdler = [] {
+        QThread::msleep(35);
+    };
     GameLoop::addFrameTask(&dawdler);
     GameLoop::start(application);
     QElapsedTimer clock;

@@ -195,6 +195,32 @@ TEST_F(OsgViewerWidgetTest, TogglesFullScreenWhenF11IsReleased)
     EXPECT_EQ(first.heard, Names{"key press"}) << "no release of it is passed on";
 }
 
+TEST_F(OsgViewerWidgetTest, ReleasesTheKeyThatWasPressed)
+{
+    class Keys : public Listener
+    {
+    public:
+        void keyReleaseEvent(QKeyEvent* event) override
+        {
+            released = event->key();
+            event->accept();
+        }
+        int released = 0;
+    };
+    constexpr quint32 scanCode = 21;
+    Keys keys;
+    widget->addKeyListener(&keys);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Plus, Qt::ShiftModifier, scanCode, 0, 0);
+    sends(press);
+    // Shift is let go of first: the same key bears another name now.
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Equal, Qt::NoModifier, scanCode, 0, 0);
+    EXPECT_TRUE(sends(release));
+    EXPECT_EQ(keys.released, Qt::Key_Plus);
+    QKeyEvent another(QEvent::KeyRelease, Qt::Key_Equal, Qt::NoModifier, scanCode, 0, 0);
+    sends(another);
+    EXPECT_EQ(keys.released, Qt::Key_Equal) << "and is forgotten then";
+}
+
 TEST_F(OsgViewerWidgetTest, FeedsTheReleaseOfF11ToTheViewer)
 {
     queued();

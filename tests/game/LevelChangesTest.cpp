@@ -13,9 +13,9 @@
 #include <QFile>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
-#include <malloc.h>
 
 #include <fstream>
+#include <malloc.h>
 #include <ostream>
 #include <string>
 #include <unistd.h>

@@ -6,7 +6,6 @@
 #include "support/GameTest.h"
 
 #include <algorithm>
-
 #include <cmath>
 #include <string>
 
@@ -112,8 +111,8 @@ TEST_F(PlayTest, RidesRampsOfAllFourDirections)
         int slope;
         osg::Vec3f uphill;
     };
-    for (const Way& way : {Way{0, {0, -1, 0}}, Way{1, {1, 0, 0}}, Way{2, {0, 1, 0}},
-                           Way{3, {-1, 0, 0}}}) {
+    for (const Way& way :
+         {Way{0, {0, -1, 0}}, Way{1, {1, 0, 0}}, Way{2, {0, 1, 0}}, Way{3, {-1, 0, 0}}}) {
         for (const bool dynamic : {false, true}) {
             SCOPED_TRACE(testing::Message() << way.slope << (dynamic ? " dynamic" : " merged"));
             const int ramp = 74 + way.slope;  // from 0.5 up to 1.0
@@ -186,8 +185,10 @@ TEST_F(PlayTest, CarriesTheBallThroughTurnsOfTheBoard)
     // A basin with walls all round: nothing that the keys do throws the ball out.
     LevelPicture picture(11, 11, cells::floor);
     for (int i = 0; i < 11; ++i)
-        picture.set(i, 0, cells::tower).set(i, 10, cells::tower).set(0, i, cells::tower).set(
-            10, i, cells::tower);
+        picture.set(i, 0, cells::tower)
+            .set(i, 10, cells::tower)
+            .set(0, i, cells::tower)
+            .set(10, i, cells::tower);
     picture.set(5, 5, cells::start);
     loads(picture);
     for (int round = 0; round < 2; ++round) {

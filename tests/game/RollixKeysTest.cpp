@@ -54,8 +54,7 @@ protected:
     /// Radians a second, in the world.
     osg::Vec3d boardTurn()
     {
-        const physx::PxVec3 turn =
-            GameInside::bodyOf(game, board().getId()).getAngularVelocity();
+        const physx::PxVec3 turn = GameInside::bodyOf(game, board().getId()).getAngularVelocity();
         return {turn.x, turn.y, turn.z};
     }
 
@@ -124,7 +123,7 @@ TEST_F(RollixKeysTest, AddUp)
 
 TEST_F(RollixKeysTest, BringTheBoardToThirtyDegreesInHalfASecondAndNoFurther)
 {
-    constexpr int halfASecond = 25;  // ticks of 20 ms
+    constexpr int halfASecond = 25;          // ticks of 20 ms
     putsBall(osg::Vec3d(0.0, 0.0, 2000.0));  // a fallen ball would bring the board level
     presses(Qt::Key_Up);
     for (int tick = 1; tick <= 250; ++tick) {
@@ -194,9 +193,9 @@ TEST_F(RollixKeysTest, ChangeTheLevelAtOnceWhenTheyAreReleased)
     types(Qt::Key_Minus);
     EXPECT_EQ(level().number, 0u);
     EXPECT_EQ(game.state, GameState::WaitingForRest);
-    EXPECT_EQ(output.lines(), (Lines{"reading level data/Rollix/level1.png",
-                                     "reading level data/Rollix/level1.png",
-                                     "reading level data/Rollix/level0.png"}));
+    EXPECT_EQ(output.lines(),
+              (Lines{"reading level data/Rollix/level1.png", "reading level data/Rollix/level1.png",
+                     "reading level data/Rollix/level0.png"}));
 }
 
 TEST_F(RollixKeysTest, GoBelowTheFirstLevel)

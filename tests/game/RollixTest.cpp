@@ -17,7 +17,6 @@
 #include "support/SceneSearch.h"
 
 #include <algorithm>
-
 #include <string>
 #include <vector>
 
@@ -293,9 +292,11 @@ TEST_F(RollixEventsTest, TellTheBoardOfTheBallByTheFirstPairAlone)
 {
     reportsContact(boardId(), ballId(), {pairOf(boardId(), ballId())});
     EXPECT_EQ(probe->heard, "contact ");
-    reportsContact(boardId(), ballId(), {pairOf(ballId(), boardId()), pairOf(boardId(), groundId())});
+    reportsContact(boardId(), ballId(),
+                   {pairOf(ballId(), boardId()), pairOf(boardId(), groundId())});
     EXPECT_EQ(probe->heard, "contact contact ");
-    reportsContact(boardId(), ballId(), {pairOf(boardId(), groundId()), pairOf(boardId(), ballId())});
+    reportsContact(boardId(), ballId(),
+                   {pairOf(boardId(), groundId()), pairOf(boardId(), ballId())});
     EXPECT_EQ(probe->heard, "contact contact ");
     reportsContact(boardId(), groundId(), {pairOf(boardId(), ballId())});
     EXPECT_EQ(probe->heard, "contact contact ") << "the ball took no part";

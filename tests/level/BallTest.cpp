@@ -20,10 +20,7 @@ constexpr double oneStepOfFall = 9.81 / 30.0 / 30.0;
 class BallTest : public GameTest
 {
 protected:
-    BallTest()
-    {
-        loads({"S..", "..."});
-    }
+    BallTest() { loads({"S..", "..."}); }
 
     PxRigidDynamic& body() { return GameInside::bodyOf(game, ball().getId()); }
 };
@@ -45,7 +42,8 @@ TEST_F(BallTest, IsASmallRedSphereOfWood)
     EXPECT_EQ(body().getLinearDamping(), 0.0f);
     EXPECT_FALSE(body().getActorFlags() & PxActorFlag::eDISABLE_GRAVITY);
     EXPECT_FALSE(valueOf<bool>(ball().getTransform()->getStateSet()->getUniform("a_PortalActive")));
-    EXPECT_EQ(ball().getTransform()->getParent(0), level().board->getTransform()->getParent(0)->getParent(0))
+    EXPECT_EQ(ball().getTransform()->getParent(0),
+              level().board->getTransform()->getParent(0)->getParent(0))
         << "it hangs beside the board";
     ticks();
     EXPECT_TRUE(body().getRigidBodyFlags() & PxRigidBodyFlag::eENABLE_CCD);

@@ -224,15 +224,14 @@ TEST_F(BlockCheckpointTest, FliesItsFlagFromTheMiddleOfItsTop)
         EXPECT_EQ(geometry->getPrimitiveSet(0)->getMode(), GLenum(GL_QUAD_STRIP));
         EXPECT_EQ(geometry->getDataVariance(), osg::Object::STATIC);
 
-        const auto* pole = dynamic_cast<const osg::ShapeDrawable*>(
-            transform->getChild(2)->asGroup()->getChild(0));
+        const auto* pole =
+            dynamic_cast<const osg::ShapeDrawable*>(transform->getChild(2)->asGroup()->getChild(0));
         ASSERT_NE(pole, nullptr);
         const auto* cylinder = dynamic_cast<const osg::Cylinder*>(pole->getShape());
         ASSERT_NE(cylinder, nullptr);
         EXPECT_NEAR(cylinder->getRadius(), 0.03f, 1e-6f);
         EXPECT_NEAR(cylinder->getHeight(), 1.6f, 1e-6f);
-        EXPECT_NEAR(cylinder->getCenter().z() - 0.8f + origin, middles[column], 1e-5)
-            << "its foot";
+        EXPECT_NEAR(cylinder->getCenter().z() - 0.8f + origin, middles[column], 1e-5) << "its foot";
     }
 }
 

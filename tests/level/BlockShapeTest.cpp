@@ -1,7 +1,6 @@
-#include "level/Block.h"
-
 #include "game/Rollix.h"
 #include "level/Ball.h"
+#include "level/Block.h"
 #include "level/Board.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
@@ -149,8 +148,7 @@ TEST_F(BlockShapeTest, IsDrawnAsItStandsSeenFromOutside)
         SCOPED_TRACE(value);
         const Block* block = blockAt(2 * (value - 57), 0);
         const BlockShape shape = BlockShape::ofValue(value);
-        const osg::Vec3f middle(block->x, block->y,
-                                (shape.lowHeight + shape.highHeight) * 0.25f);
+        const osg::Vec3f middle(block->x, block->y, (shape.lowHeight + shape.highHeight) * 0.25f);
         std::vector<osg::Vec3f> points;
         for (std::size_t i = 0; i < vertices.size(); i += 3) {
             if (std::fabs(vertices[i].x() - block->x) > 0.51f)
@@ -203,7 +201,8 @@ TEST_F(BlockShapeTest, HasFacesThatLookOutwards)
     int ramps = 0;
     for (int value = 57; value <= 100; ++value) {
         SCOPED_TRACE(value);
-        const osg::Geode* geode = blockAt(2 * (value - 57), 0)->getTransform()->getChild(0)->asGeode();
+        const osg::Geode* geode =
+            blockAt(2 * (value - 57), 0)->getTransform()->getChild(0)->asGeode();
         const osg::Geometry* geometry = geode->getDrawable(0)->asGeometry();
         if (dynamic_cast<const osg::ShapeDrawable*>(geometry))
             continue;
@@ -311,8 +310,8 @@ TEST_F(BlockShapeTest, IsRefusedWithoutABodyIfItNeedsOne)
                       "reading level data/Rollix/level0.png\n"
                       "I cannot build the block of data/Rollix/level0.png at column 2, row 1: it "
                       "has hue " +
-                          std::to_string(hue) + ", saturation 100, value " +
-                          std::to_string(value) + ", alpha 200, and a value under 57 gives it no body.\n");
+                          std::to_string(hue) + ", saturation 100, value " + std::to_string(value) +
+                          ", alpha 200, and a value under 57 gives it no body.\n");
             EXPECT_EQ(board().getBlocks().size(), 1u);
             EXPECT_EQ(board().getGroups().count(200), 1u);
             ticks(3);

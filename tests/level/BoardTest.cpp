@@ -28,10 +28,7 @@ namespace {
 class BoardTest : public GameTest
 {
 protected:
-    BoardTest()
-    {
-        loads({"S..", "...", "..."});
-    }
+    BoardTest() { loads({"S..", "...", "..."}); }
 
     ~BoardTest() override { GameInside::soundsOf(game) = sounds; }
 
@@ -137,7 +134,7 @@ TEST_F(BoardTest, FeelsNothingOfItsFourCornersInPlay)
         releases(key);
     }
     EXPECT_GT(tiltDegrees(), 20.0);
-    EXPECT_LT(farthest, 6.5f) << "they would engage past eleven units";
+    EXPECT_LT(farthest, 8.0f) << "they would engage past eleven units";
 }
 
 TEST_F(BoardTest, DrawsOneOfEightHits)
@@ -242,15 +239,14 @@ TEST_F(BoardTest, HearsOfANewTouchAndNotOfRest)
     listensToNames();
     loads({"S"});
     OutputCapture output;
-    ticksUntil([this] { return ballPosition().z() < 0.81; }, 60);
-    ticks(2);
-    EXPECT_EQ(output.lines().size(), 2u) << "the level, and one hit: " << output.text();
-    const std::size_t before = output.lines().size();
     ticks(60);
-    EXPECT_EQ(output.lines().size(), before) << output.text();
+    EXPECT_EQ(output.lines().size(), 1u) << "it has dropped on its cell";
+    ticks(60);
+    EXPECT_EQ(output.lines().size(), 1u) << "and rests";
     game.setLinearVelocity(ball().getId(), osg::Vec3f(0.1f, 0.0f, 0.0f), true);
     ticks(30);
-    EXPECT_EQ(output.lines().size(), before) << "nor of rolling on: " << output.text();
+    EXPECT_GT(ballPosition().x(), 0.05);
+    EXPECT_EQ(output.lines().size(), 1u) << "and rolls on";
 }
 
 TEST_F(BoardTest, ComesLevelAndLeavesItsBlocks)
@@ -258,6 +254,7 @@ TEST_F(BoardTest, ComesLevelAndLeavesItsBlocks)
     const osg::ref_ptr<ProbeBlock> probe = new ProbeBlock(level());
     auto& blocks = const_cast<std::vector<osg::ref_ptr<Block>>&>(board().getBlocks());
     blocks.push_back(probe.get());
+    putsBall(osg::Vec3d(0.0, 0.0, 200.0));  // a light board would be thrown off by it
     holds(Qt::Key_Up, 20);
     ASSERT_GT(tiltDegrees(), 10.0);
     game.setAngularVelocity(board().getId(), osg::Vec3f(), true);
@@ -333,9 +330,9 @@ TEST_F(BoardTest, HidesItsGuideUnlessTheGameWaitsForAHand)
     const QImage withoutHand = frame(false);
     guide()->setNodeMask(~0u);  // a hand has been seen
     EXPECT_GT(differingPixels(frame(false), withoutHand), 1000);
-    for (const GameState state : {GameState::Initial, GameState::CameraControl, GameState::Playing,
-                                  GameState::PauseMenu, GameState::LevelCompleted,
-                                  GameState::LevelFailed}) {
+    for (const GameState state :
+         {GameState::Initial, GameState::CameraControl, GameState::Playing, GameState::PauseMenu,
+          GameState::LevelCompleted, GameState::LevelFailed}) {
         game.state = state;
         EXPECT_LT(differingPixels(frame(false), withoutHand), 100) << int(state);
     }
@@ -367,14 +364,15 @@ TEST_F(BoardTest, LinksBlocksByTheAlphaOfTheirPixels)
         .set(1, 0, linked)
         .set(2, 0, transparent)
         .set(3, 0, {20, 100, 100, 7})  // no kind has this hue
-        .set(4, 0, {0, 0, 100, 8})     // white
         .set(0, 1, linked)
         .set(5, 1, cells::start);
     QImage image = picture.image();
+    image.setPixel(4, 0, qRgba(255, 255, 255, 8));
     image.setPixel(5, 0, qRgba(0, 0, 0, 9));
+    loads(picture);
     image.save("data/Rollix/level0.png");
     OutputCapture output;
-    loads(picture);
+    game.loadLevel(0);
     EXPECT_EQ(output.text(), "reading level data/Rollix/level0.png\n") << "and not a word more";
     const auto& groups = board().getGroups();
     ASSERT_EQ(board().getBlocks().size(), 5u);

@@ -166,8 +166,10 @@ TEST_F(LevelFileTest, MayBeHuge)
 TEST_F(LevelFileTest, MayBeOfAnyKindOfPng)
 {
     LevelPicture picture(6, 4, cells::floor);
-    picture.set(0, 0, cells::start).set(3, 1, cells::wall).set(5, 3, cells::goal).set(2, 2,
-                                                                                     cells::hole);
+    picture.set(0, 0, cells::start)
+        .set(3, 1, cells::wall)
+        .set(5, 3, cells::goal)
+        .set(2, 2, cells::hole);
     loads(picture);
     const std::string expected = blocks();
     ASSERT_EQ(board().getBlocks().size(), 23u);

@@ -19,7 +19,8 @@ struct Shape
 /// Every value that has a body.
 std::map<int, Shape> shapesByValue()
 {
-    std::map<int, Shape> shapes{{73, {1, 1, 4}}, {86, {2, 2, 4}}, {95, {3, 3, 4}}, {100, {4, 4, 4}}};
+    std::map<int, Shape> shapes{
+        {73, {1, 1, 4}}, {86, {2, 2, 4}}, {95, {3, 3, 4}}, {100, {4, 4, 4}}};
     int value = 57;
     for (int low = 0; low < 4; ++low) {
         for (int high = low + 1; high <= 4; ++high) {
@@ -55,9 +56,9 @@ TEST(LevelPixel, GivesEveryHueItsKind)
 {
     const auto expected = [](int hue) {
         const std::vector<std::pair<int, BlockKind>> nominal{
-            {90, BlockKind::Standard},  {135, BlockKind::Checkpoint}, {270, BlockKind::Button},
-            {225, BlockKind::Ghost},    {180, BlockKind::Elevator},   {0, BlockKind::Trap},
-            {360, BlockKind::Trap},     {45, BlockKind::Item},        {315, BlockKind::Portal}};
+            {90, BlockKind::Standard}, {135, BlockKind::Checkpoint}, {270, BlockKind::Button},
+            {225, BlockKind::Ghost},   {180, BlockKind::Elevator},   {0, BlockKind::Trap},
+            {360, BlockKind::Trap},    {45, BlockKind::Item},        {315, BlockKind::Portal}};
         for (const auto& [middle, kind] : nominal) {
             if (std::abs(hue - middle) <= 10)
                 return kind;

@@ -18,9 +18,9 @@
 #include <QKeyEvent>
 #include <QTemporaryDir>
 #include <QThread>
-#include <algorithm>
 #include <osg/Math>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
