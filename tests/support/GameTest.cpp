@@ -11,6 +11,7 @@
 #include "level/Level.h"
 #include "support/FrameGrab.h"
 #include "support/GameWorld.h"
+#include "support/SceneSearch.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -18,6 +19,7 @@
 #include <QThread>
 #include <osg/Math>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -135,6 +137,21 @@ void GameTest::holds(Qt::Key key, int tickCount)
     presses(key);
     ticks(tickCount);
     releases(key);
+}
+
+bool GameTest::picks(const std::string& line)
+{
+    constexpr float selectedLineSize = 50.0f;
+    constexpr int mostLines = 10;
+    for (int i = 0; i < mostLines; ++i) {
+        const std::vector<std::string> large = textsBelow(game.getSceneData(), selectedLineSize);
+        if (std::find(large.begin(), large.end(), line) != large.end()) {
+            releases(Qt::Key_Return);
+            return true;
+        }
+        releases(Qt::Key_Down);
+    }
+    return false;
 }
 
 void GameTest::draws(bool on)

@@ -10,11 +10,14 @@
 
 namespace {
 
-void linkFiles(const QDir& source, const QString& target)
+void fill(const QString& target, const QDir& source)
 {
     for (const QFileInfo& file : source.entryInfoList(QDir::Files)) {
-        if (!file.fileName().startsWith("level"))
-            QFile::link(file.absoluteFilePath(), target + "/" + file.fileName());
+        const QString name = target + "/" + file.fileName();
+        if (QStringList({"vert", "frag", "geom", "glsl"}).contains(file.suffix()))
+            QFile::copy(file.absoluteFilePath(), name);
+        else if (!file.fileName().startsWith("level"))
+            QFile::link(file.absoluteFilePath(), name);
     }
 }
 
@@ -25,8 +28,8 @@ GameFolder::GameFolder()
     const QDir source(QString(ROLLIX_SOURCE_DIR) + "/data");
     const QDir target(folder.path());
     target.mkpath("data/Rollix");
-    linkFiles(source, target.filePath("data"));
-    linkFiles(QDir(source.filePath("Rollix")), target.filePath("data/Rollix"));
+    fill(target.filePath("data"), source);
+    fill(target.filePath("data/Rollix"), QDir(source.filePath("Rollix")));
     QDir::setCurrent(folder.path());
 }
 

@@ -7,8 +7,9 @@
 class OsgViewerWidget;
 class Rollix;
 
-/// A folder that the game can be run in: its data/ holds links to the true files, but no level
-/// pictures. While it lives it is the working directory; it goes from the disk with its end.
+/// A folder that the game can be run in: its data/ holds the true files, but no level pictures.
+/// Shaders are copies, as they are watched: a test may spoil one and mend it. The folder becomes
+/// the working directory, and goes from the disk with this object.
 class GameFolder
 {
 public:
