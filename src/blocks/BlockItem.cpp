@@ -9,12 +9,9 @@
 #include "level/Level.h"
 
 #include <osg/ShapeDrawable>
-#include <osgDB/ReadFile>
-#include <osgDB/Registry>
 
 #include <algorithm>
 #include <cstdlib>
-#include <iostream>
 #include <string>
 
 namespace {
@@ -53,18 +50,6 @@ Appearance appearanceOf(ItemKind kind)
         break;
     }
     return {"data/Rollix/weight.osgt", osg::Vec4f(0.7f, 0.7f, 0.7f, 1.0f)};
-}
-
-/// The first drawable of a model file; null, with a line on standard output, if there is none.
-osg::ref_ptr<osg::Drawable> readModel(const std::string& file)
-{
-    const osg::ref_ptr<osg::Node> node =
-        osgDB::readRefNodeFile(file, osgDB::Registry::instance()->getOptions());
-    osg::Geode* geode = node ? node->asGeode() : nullptr;
-    if (geode && geode->getNumDrawables() > 0)
-        return geode->getDrawable(0);
-    std::cout << "I cannot read a model from " << file << std::endl;
-    return nullptr;
 }
 
 void displace(osg::Node* node, const osg::Vec3f& place)
@@ -125,10 +110,12 @@ void BlockItem::createDisplay(int count)
     osg::ref_ptr<osg::MatrixTransform> display = new osg::MatrixTransform(
         osg::Matrixd::scale(displayScale, displayScale, displayScale) *
         osg::Matrixd::translate(0.0, 0.0, double(surfaceHeight()) + floatHeight));
-    if (const osg::ref_ptr<osg::Drawable> model = readModel(appearance.modelFile))
+    if (osg::Drawable* model = level->sharedModel(appearance.modelFile))
         addCopies(display, model, count);
     if (count != 0)
         addSign(display, count > 0);
+    // The weight's own; around the copies, each of which has its place.
+    displace(display, osg::Vec3f());
     createProgram(display);
     display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
                                                osg::StateAttribute::ON);

@@ -5,6 +5,7 @@
 #include <osg/BlendFunc>
 #include <osg/Geode>
 #include <osg/Group>
+#include <osg/observer_ptr>
 #include <osgParticle/FluidFrictionOperator>
 #include <osgParticle/ModularEmitter>
 #include <osgParticle/ModularProgram>
@@ -13,6 +14,9 @@
 #include <osgParticle/ParticleSystemUpdater>
 #include <osgParticle/RadialShooter>
 #include <osgParticle/RandomRateCounter>
+
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -75,10 +79,18 @@ osg::ref_ptr<osgParticle::ModularEmitter> createEmitter(osgParticle::ParticleSys
 osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
                                        ShaderProgram::Shader* fragmentShader)
 {
-    osg::ref_ptr<ShaderProgram> program = new ShaderProgram(node);
-    program->setVertexShader(vertexShader);
-    program->setFragmentShader(fragmentShader);
-    return program;
+    // By stages; a program that lives keeps its stages, so that no other can have their addresses.
+    using Stages = std::pair<ShaderProgram::Shader*, ShaderProgram::Shader*>;
+    static std::map<Stages, osg::observer_ptr<ShaderProgram>> programs;
+    osg::observer_ptr<ShaderProgram>& known = programs[{vertexShader, fragmentShader}];
+    osg::ref_ptr<ShaderProgram> shared;
+    if (known.lock(shared))
+        return new ShaderProgram(node, shared);
+    shared = new ShaderProgram(node);
+    shared->setVertexShader(vertexShader);
+    shared->setFragmentShader(fragmentShader);
+    known = shared;
+    return shared;
 }
 
 osg::ref_ptr<ShaderProgram> addStandardProgram(osg::Node* node, Rollix* game)

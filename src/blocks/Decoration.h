@@ -20,7 +20,8 @@ class Rollix;
 // What blocks hang on themselves besides their body. Each of these programs is drawn with for as
 // long as the caller keeps it.
 
-/// A program of these two stages on `node`.
+/// A program of these two stages on `node`, one for all nodes that ask for them: each has to set
+/// every uniform of it.
 osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
                                        ShaderProgram::Shader* fragmentShader);
 

@@ -1,5 +1,6 @@
 #include "level/BlockCheckpoint.h"
 
+#include "blocks/Decoration.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Level.h"
@@ -104,10 +105,10 @@ void BlockCheckpoint::createFlag()
     stateSet->addUniform(new osg::Uniform("a_FlagType", type), osg::StateAttribute::ON);
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
 
-    flagShader = new ShaderProgram(flagGeode);
-    flagShader->setVertexShader(
-        game()->sharedShader("flagShader.vert", GL_VERTEX_SHADER, {"data/easeFunctions.glsl"}));
-    flagShader->setFragmentShader(game()->sharedShader("flagShader.frag", GL_FRAGMENT_SHADER));
+    flagShader = addProgram(
+        flagGeode,
+        game()->sharedShader("flagShader.vert", GL_VERTEX_SHADER, {"data/easeFunctions.glsl"}),
+        game()->sharedShader("flagShader.frag", GL_FRAGMENT_SHADER));
 
     createPole();
 }

@@ -11,6 +11,8 @@
 #include "shaders/ShaderProgram.h"
 
 #include <QImage>
+#include <osgDB/ReadFile>
+#include <osgDB/Registry>
 
 #include <algorithm>
 #include <iostream>
@@ -27,6 +29,17 @@ std::string levelPicture(unsigned int number)
     std::ostringstream name;
     name << "data/Rollix/level" << int(number) << ".png";
     return name.str();
+}
+
+osg::ref_ptr<osg::Drawable> readModel(const std::string& file)
+{
+    const osg::ref_ptr<osg::Node> node =
+        osgDB::readRefNodeFile(file, osgDB::Registry::instance()->getOptions());
+    osg::Geode* geode = node ? node->asGeode() : nullptr;
+    if (geode && geode->getNumDrawables() > 0)
+        return geode->getDrawable(0);
+    std::cout << "I cannot read a model from " << file << std::endl;
+    return nullptr;
 }
 
 }  // namespace
@@ -104,6 +117,13 @@ void Level::createHud()
 void Level::addChild(osg::Node* node)
 {
     root->addChild(node);
+}
+
+osg::Drawable* Level::sharedModel(const std::string& file)
+{
+    const auto known = models.find(file);
+    return known != models.end() ? known->second
+                                 : models.emplace(file, readModel(file)).first->second;
 }
 
 void Level::setStart(BlockCheckpoint* block)

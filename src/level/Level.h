@@ -1,10 +1,12 @@
 #pragma once
 
+#include <osg/Drawable>
 #include <osg/Group>
 #include <osg/Referenced>
 #include <osg/ref_ptr>
 
 #include <string>
+#include <unordered_map>
 
 class Ball;
 class BlockCheckpoint;
@@ -34,6 +36,10 @@ public:
 
     /// Adds to the root of everything that the level shows.
     void addChild(osg::Node* node);
+
+    /// The first drawable of a model file, read at its first use in the level: a large level has
+    /// thousands of items of three kinds. Null, with a line on standard output, if there is none.
+    osg::Drawable* sharedModel(const std::string& file);
 
     /// The start cell says so of itself; with several, the last one counts.
     void setStart(BlockCheckpoint* block);
@@ -93,5 +99,6 @@ private:
     void createHud();
     void showLives();
 
+    std::unordered_map<std::string, osg::ref_ptr<osg::Drawable>> models;
     unsigned int nextObjectId_ = 0;
 };

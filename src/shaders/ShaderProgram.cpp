@@ -37,17 +37,48 @@ QString readTextFile(std::string path)
 
 ShaderProgram::ShaderProgram(osg::Node* target) : node(target), program(new osg::Program)
 {
-    target->getOrCreateStateSet()->setAttributeAndModes(program, osg::StateAttribute::ON);
+    install();
+}
+
+ShaderProgram::ShaderProgram(osg::Node* target, ShaderProgram* shared)
+    : node(target),
+      program(shared->program),
+      vertexShader(shared->vertexShader),
+      geometryShader(shared->geometryShader),
+      fragmentShader(shared->fragmentShader),
+      sharedWith(shared)
+{
+    install();
 }
 
 ShaderProgram::~ShaderProgram()
 {
-    setStage(fragmentShader, nullptr);
-    setStage(geometryShader, nullptr);
-    setStage(vertexShader, nullptr);
+    if (!sharedWith) {
+        setStage(fragmentShader, nullptr);
+        setStage(geometryShader, nullptr);
+        setStage(vertexShader, nullptr);
+    }
     osg::ref_ptr<osg::Node> target;
     if (node.lock(target) && target->getStateSet())
         target->getStateSet()->removeAttribute(program);
+}
+
+void ShaderProgram::install()
+{
+    osg::ref_ptr<osg::Node> target;
+    if (node.lock(target))
+        target->getOrCreateStateSet()->setAttributeAndModes(program, osg::StateAttribute::ON);
+}
+
+void ShaderProgram::endSharing()
+{
+    sharedWith = nullptr;
+    program = new osg::Program;
+    for (const osg::ref_ptr<Shader>& stage : {vertexShader, geometryShader, fragmentShader}) {
+        if (stage)
+            program->addShader(stage->shader);
+    }
+    install();
 }
 
 void ShaderProgram::setVertexShader(Shader* shader)
@@ -82,6 +113,8 @@ void ShaderProgram::setFragmentShader(std::string file)
 
 void ShaderProgram::setStage(osg::ref_ptr<Shader>& stage, Shader* shader)
 {
+    if (sharedWith)
+        endSharing();
     // Held first: the new stage may be the old one.
     const osg::ref_ptr<Shader> next = shader;
     if (stage)

@@ -33,6 +33,12 @@ public:
 
     explicit ShaderProgram(osg::Node* node);
 
+    /// Draws `node` with the program that `shared` stands for: a program is linked once for each
+    /// object of its own, which costs a millisecond and half a megabyte. Of a shared program every
+    /// node must set every uniform, as it would else see what another node has set. A stage that is
+    /// replaced ends the sharing; `shared` itself must not replace one.
+    ShaderProgram(osg::Node* node, ShaderProgram* shared);
+
     /// Replace a stage by one that other programs may use too; null takes the stage away.
     void setVertexShader(Shader* shader);
     void setGeometryShader(Shader* shader);
@@ -54,6 +60,11 @@ protected:
 
 private:
     void setStage(osg::ref_ptr<Shader>& stage, Shader* shader);
+    void install();
+    void endSharing();
+
+    /// Kept, so that it does not take the program apart before the last that shares it has gone.
+    osg::ref_ptr<ShaderProgram> sharedWith;
 };
 
 /// One stage: a source file and what is pasted into it. Programs that want the same file with the

@@ -335,6 +335,35 @@ TEST_F(BlockItemTest, IsNotDrawnWhileItIsTaken)
     }
 }
 
+TEST_F(BlockItemTest, PutsItsModelInTheMiddleUnlessACopyHasAPlaceOfItsOwn)
+{
+    // All items draw with one program: what one does not set, it sees as another has set it.
+    for (const int saturation : {50, coinsOfFour}) {
+        SCOPED_TRACE(saturation);
+        loadsItem(saturation);
+        const osg::Uniform* around = displayTransform().getStateSet()->getUniform("a_ItemDisplace");
+        osg::Vec3f place(1.0f, 1.0f, 1.0f);
+        ASSERT_NE(around, nullptr);
+        ASSERT_TRUE(around->get(place));
+        EXPECT_EQ(place, osg::Vec3f());
+    }
+}
+
+TEST_F(BlockItemTest, SharesModelAndProgramWithTheOthersOfItsKind)
+{
+    loads(LevelPicture({"S......"}).set(4, 0, {45, 90, 73}).set(6, 0, {45, 90, 73}));
+    const std::vector<const osg::Geode*> first = geodesOf(blockAs<BlockItem>(4, 0));
+    const std::vector<const osg::Geode*> second = geodesOf(blockAs<BlockItem>(6, 0));
+    ASSERT_GE(first.size(), 2u);
+    ASSERT_EQ(first.size(), second.size());
+    EXPECT_EQ(first[1]->getDrawable(0), second[1]->getDrawable(0));
+    const auto programOf = [](const osg::Geode* geode) {
+        return geode->getParent(0)->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM);
+    };
+    EXPECT_NE(programOf(first[1]), nullptr);
+    EXPECT_EQ(programOf(first[1]), programOf(second[1]));
+}
+
 TEST_F(BlockItemTest, WithoutItsModelFileItSaysSoAndWorksWithoutAPicture)
 {
     const MissingFile missing("data/Rollix/coin.osgt");

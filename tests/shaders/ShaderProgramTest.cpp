@@ -106,6 +106,47 @@ TEST_F(ShaderProgramTest, ReplacesAStage)
     EXPECT_EQ(program->fragmentShader->shader->getType(), osg::Shader::FRAGMENT);
 }
 
+TEST_F(ShaderProgramTest, SharesAProgramThatOutlivesTheOneItWasMadeBy)
+{
+    osg::ref_ptr<osg::Group> first = new osg::Group;
+    osg::ref_ptr<osg::Group> second = new osg::Group;
+    osg::ref_ptr<ShaderProgram> maker = new ShaderProgram(first);
+    maker->setVertexShader(writesFile("one.vert", "one"));
+    osg::ref_ptr<ShaderProgram> sharer = new ShaderProgram(second, maker);
+    EXPECT_EQ(sharer->vertexShader, maker->vertexShader);
+    EXPECT_EQ(second->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM),
+              maker->program.get());
+
+    maker = nullptr;
+    EXPECT_EQ(sharer->program->getNumShaders(), 1u);
+
+    osg::observer_ptr<osg::Program> program = sharer->program.get();
+    sharer = nullptr;
+    EXPECT_EQ(first->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM), nullptr);
+    EXPECT_EQ(second->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM), nullptr);
+    EXPECT_FALSE(program.valid());
+}
+
+TEST_F(ShaderProgramTest, EndsTheSharingWithAStageOfItsOwn)
+{
+    osg::ref_ptr<osg::Group> first = new osg::Group;
+    osg::ref_ptr<osg::Group> second = new osg::Group;
+    osg::ref_ptr<ShaderProgram> maker = new ShaderProgram(first);
+    maker->setVertexShader(writesFile("one.vert", "one"));
+    maker->setFragmentShader(writesFile("one.frag", "fragment"));
+    osg::ref_ptr<ShaderProgram> sharer = new ShaderProgram(second, maker);
+
+    sharer->setVertexShader(writesFile("two.vert", "two"));
+
+    EXPECT_NE(sharer->program, maker->program);
+    EXPECT_EQ(second->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM),
+              sharer->program.get());
+    EXPECT_EQ(sharer->program->getNumShaders(), 2u);
+    EXPECT_EQ(maker->program->getNumShaders(), 2u);
+    EXPECT_NE(sharer->vertexShader, maker->vertexShader);
+    EXPECT_EQ(sharer->fragmentShader, maker->fragmentShader);
+}
+
 TEST_F(ShaderProgramTest, LeavesNothingBehindOfAGroupThatKeepsItsOwnProgram)
 {
     osg::ref_ptr<ShaderProgram::ShaderGroup> group = new ShaderProgram::ShaderGroup;
