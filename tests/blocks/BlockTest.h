@@ -7,6 +7,7 @@
 #include <osg/MatrixTransform>
 #include <osg/ShapeDrawable>
 
+#include <functional>
 #include <vector>
 
 /// Blocks of the true game, with a ball that is put where the test wants it.
@@ -66,6 +67,9 @@ protected:
 
     /// Where a point of the world stands in the frame.
     QPoint pixelOf(const osg::Vec3d& point) const;
+
+    /// Serves timers, without a tick, until the condition holds; false if it never does.
+    bool comesTrue(const std::function<bool()>& condition);
 };
 
 /// Pixels of a frame around a place, that many to each side.

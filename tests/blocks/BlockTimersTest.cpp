@@ -76,8 +76,8 @@ protected:
     /// seconds from now. A busy machine does not matter: the clock was started before the cause,
     /// and a timer of our own that is due later is also served later. Timers may be off by a
     /// twentieth.
-    void comesTrue(const QElapsedTimer& clock, double total, double last,
-                   const std::function<bool()>& condition)
+    void comesTrueIn(const QElapsedTimer& clock, double total, double last,
+                     const std::function<bool()>& condition)
     {
         bool isLate = false;
         QTimer late;
@@ -111,16 +111,16 @@ TEST_F(BlockTimersTest, MineGoesThroughFuseBlastAndRestAndIsArmedAgain)
                 return condition();
             };
         };
-        comesTrue(clock, fuse, fuse, touched([this] { return hasExploded(); }));
+        comesTrueIn(clock, fuse, fuse, touched([this] { return hasExploded(); }));
         EXPECT_EQ(level().livesLeft(), 4);
-        comesTrue(clock, fuse + blast, blast, touched([this] { return mineRadius() < 0.05f; }));
-        comesTrue(clock, fuse + blast + rest, rest, [this] { return mineRadius() > 0.05f; });
+        comesTrueIn(clock, fuse + blast, blast, touched([this] { return mineRadius() < 0.05f; }));
+        comesTrueIn(clock, fuse + blast + rest, rest, [this] { return mineRadius() > 0.05f; });
         EXPECT_FLOAT_EQ(mineRadius(), 0.1f);
         EXPECT_EQ(level().livesLeft(), 4);
 
         const QElapsedTimer again = started();
         touches(block());
-        comesTrue(again, fuse, fuse, [this] { return hasExploded(); });
+        comesTrueIn(again, fuse, fuse, [this] { return hasExploded(); });
         EXPECT_EQ(level().livesLeft(), 3);
     }
 }
@@ -132,7 +132,7 @@ TEST_F(BlockTimersTest, RestingMineIsHarmless)
     const QElapsedTimer clock = started();
     touches(block());
     ticks();
-    comesTrue(clock, blast, blast, [this] { return mineRadius() < 0.05f; });
+    comesTrueIn(clock, blast, blast, [this] { return mineRadius() < 0.05f; });
     hoversAbove(block(), 1.0);
     touches(block());
     EXPECT_EQ(level().livesLeft(), 4);
@@ -147,7 +147,7 @@ TEST_F(BlockTimersTest, BallThatHasRolledOffBeforeTheFuseEndsFeelsAWeakBlast)
     const QElapsedTimer clock = started();
     touches(block());
     hoversAbove(block(), 3.0);
-    comesTrue(clock, 1.0, 1.0, [this] { return hasExploded(); });
+    comesTrueIn(clock, 1.0, 1.0, [this] { return hasExploded(); });
     EXPECT_EQ(level().livesLeft(), 5);
     ticks();
     EXPECT_NEAR(ballVelocity().z(), speedOfForce(100.0 / 9.0), 0.002);
@@ -159,7 +159,7 @@ TEST_F(BlockTimersTest, SpringGoesInAfterTenSecondsAndThrowsAgain)
     hoversAbove(block(), 1.5);
     const QElapsedTimer clock = started();
     touches(block());
-    comesTrue(clock, rest, rest, [this] { return plungerHeight() < 0.5f; });
+    comesTrueIn(clock, rest, rest, [this] { return plungerHeight() < 0.5f; });
     EXPECT_FLOAT_EQ(plungerHeight(), 0.3f);
     ticks();
     hoversAbove(block(), 1.5);
@@ -177,9 +177,9 @@ TEST_F(BlockTimersTest, TrapdoorOpensAfterItsDelayAndShutsAfterTenSeconds)
         ASSERT_TRUE(isDrawn());
         const QElapsedTimer clock = started();
         touches(block());
-        comesTrue(clock, delay, delay, [this] { return !isDrawn(); });
+        comesTrueIn(clock, delay, delay, [this] { return !isDrawn(); });
         EXPECT_FALSE(isSolid());
-        comesTrue(clock, delay + rest, rest, [this] { return isDrawn(); });
+        comesTrueIn(clock, delay + rest, rest, [this] { return isDrawn(); });
         EXPECT_TRUE(isSolid());
     }
 }
@@ -193,7 +193,7 @@ TEST_F(BlockTimersTest, TrapdoorDropsABallThatSleepsOnIt)
     // Two and a half seconds of the world: what rests has gone to sleep.
     ticks(75);
     ASSERT_NEAR(ballPosition().z(), height + 0.55, 0.02);
-    comesTrue(clock, 3.0, 3.0, [this] { return !isDrawn(); });
+    comesTrueIn(clock, 3.0, 3.0, [this] { return !isDrawn(); });
     ticks(30);
     EXPECT_LT(ballPosition().z(), height - 1.0);
 }
@@ -203,7 +203,7 @@ TEST_F(BlockTimersTest, CoinAndHeartComeBackAfterTenSeconds)
     loadsItem(90);
     const QElapsedTimer clock = started();
     touches(block());
-    comesTrue(clock, rest, rest, [this] {
+    comesTrueIn(clock, rest, rest, [this] {
         touches(block());
         return level().coinCount() == 20;
     });
@@ -211,7 +211,7 @@ TEST_F(BlockTimersTest, CoinAndHeartComeBackAfterTenSeconds)
     loadsItem(60);
     const QElapsedTimer again = started();
     touches(block());
-    comesTrue(again, rest, rest, [this] {
+    comesTrueIn(again, rest, rest, [this] {
         touches(block());
         return level().livesLeft() == 3;
     });
@@ -239,8 +239,8 @@ TEST_F(BlockTimersTest, WeightLastsItsSecondsAndComesBackTenLater)
         const QElapsedTimer clock = started();
         touches(block());
         EXPECT_FALSE(ballFalls());
-        comesTrue(clock, seconds[step], seconds[step], [this] { return ballFalls(); });
-        comesTrue(clock, seconds[step] + rest, rest, [this] {
+        comesTrueIn(clock, seconds[step], seconds[step], [this] { return ballFalls(); });
+        comesTrueIn(clock, seconds[step] + rest, rest, [this] {
             touches(block());
             return !ballFalls();
         });

@@ -246,8 +246,6 @@ TEST_F(AbstractHUDTest, DoesNotKeepTheViewAlive)
     view = nullptr;
 
     EXPECT_FALSE(observer.valid());
-    element->show();
-    element->hide();
 }
 
 TEST_F(AbstractHUDTest, GivesAChildOfAHiddenContainerItsSizeAndLeavesItHidden)
