@@ -2,7 +2,7 @@
 
 #include "support/GameTest.h"
 #include "support/KeyPlayer.h"
-#include "support/LevelMap.h"
+#include "LevelMap.h"
 #include "support/LevelSight.h"
 
 #include <functional>
