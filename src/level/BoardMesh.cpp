@@ -44,7 +44,10 @@ void BoardMesh::merge(osg::Geode& geode) const
 
     osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array;
     osg::ref_ptr<osg::Vec3Array> normals = new osg::Vec3Array;
-    for (std::size_t i = 0; i + 2 < corners.points.size(); i += 3) {
+    // From the last row to the first: from the camera's first place that is front to back, and what
+    // hides something is drawn before it.
+    for (std::size_t i = corners.points.size(); i >= 3;) {
+        i -= 3;
         const osg::Vec3f& a = corners.points[i];
         const osg::Vec3f& b = corners.points[i + 1];
         const osg::Vec3f& c = corners.points[i + 2];

@@ -21,6 +21,8 @@ Ground::Ground(Level& owner) : GameObject(owner), geode(new osg::Geode)
         new osg::ShapeDrawable(new osg::Box(center, drawnSize.x(), drawnSize.y(), drawnSize.z()));
     square->setColor(darkGrey);
     geode->addDrawable(square);
+    // Its underside fills half the window for nothing.
+    geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
     level->addChild(geode);
     game()->createPlane(id, "holz", center, up, groundGroup, groundMask);
 }

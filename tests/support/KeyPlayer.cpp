@@ -29,7 +29,8 @@ KeyPlayer::KeyPlayer(const LevelMap& levelMap, KeyAction pressAction, KeyAction 
     : map(levelMap),
       pressKey(std::move(pressAction)),
       releaseKey(std::move(releaseAction)),
-      allowed([](const CellPosition&, const CellPosition&) { return true; })
+      allowed([](const CellPosition&, const CellPosition&) { return true; }),
+      careful([](const CellPosition&, const CellPosition&) { return false; })
 {
 }
 
@@ -47,18 +48,18 @@ CellPosition KeyPlayer::cellOf(const PlayerView& view) const
 std::vector<CellPosition> KeyPlayer::wayTo(const CellPosition& target,
                                            const CellPosition& from) const
 {
-    std::vector<CellPosition> way = map.way(from, target, allowed, drop);
+    const auto takesCare = [this](const CellPosition& here, const CellPosition& next) {
+        return allowed(here, next) && !careful(here, next);
+    };
+    std::vector<CellPosition> way = map.way(from, target, takesCare, drop);
+    if (way.empty())
+        way = map.way(from, target, allowed, drop);
     // Off the floor, as on top of a wall, any way down will do.
     return way.empty() ? map.way(from, target, allowed, deepestDrop) : way;
 }
 
-bool KeyPlayer::rollTowards(const CellPosition& target, const PlayerView& view)
+void KeyPlayer::follow(const std::vector<CellPosition>& way, const PlayerView& view)
 {
-    const std::vector<CellPosition> way = wayTo(target, cellOf(view));
-    if (way.empty()) {
-        hold(view);
-        return false;
-    }
     // To the end of the straight run that the way begins with.
     std::size_t corner = std::min<std::size_t>(1, way.size() - 1);
     while (corner + 1 < way.size() &&
@@ -66,27 +67,38 @@ bool KeyPlayer::rollTowards(const CellPosition& target, const PlayerView& view)
            way[corner + 1].row - way[corner].row == way[1].row - way[0].row)
         ++corner;
     bool climbing = false;
-    for (std::size_t i = 0; i < std::min<std::size_t>(corner, runUpSteps); ++i)
+    bool hurrying = false;
+    for (std::size_t i = 0; i < std::min<std::size_t>(corner, runUpSteps); ++i) {
         climbing = climbing || map.climbs(way[i], way[i + 1]);
+        hurrying = hurrying || map.hurries(way[i], way[i + 1]);
+    }
     largestTilt = climbing ? climbingTilt : gentleTilt;
 
     const osg::Vec3d ball = onBoard(view);
     osg::Vec2d wanted(within((map.x(way[corner]) - ball.x()) * approach, speed),
                       within((map.y(way[corner]) - ball.y()) * approach, speed));
-    if (climbing) {
-        // No braking before the top: a ball that stops on the way up rolls back.
+    if (climbing || hurrying) {
+        // No braking: a ball that stops on the way up a ramp rolls back, one that dawdles on a
+        // trapdoor falls, and whatever throws the ball on needs it to come with a speed.
+        const double through = climbing ? climbingSpeed : speed;
         if (way[1].column != way[0].column)
-            wanted.x() = (way[1].column - way[0].column) * climbingSpeed;
+            wanted.x() = way[1].column > way[0].column ? through : -through;
         else
-            wanted.y() = (way[0].row - way[1].row) * climbingSpeed;
+            wanted.y() = way[1].row < way[0].row ? through : -through;
     }
     steer(wanted, view);
-    return true;
 }
 
 void KeyPlayer::hold(const PlayerView& view)
 {
     steer(osg::Vec2d(0.0, 0.0), view);
+}
+
+osg::Vec3d KeyPlayer::turnOf(const osg::Vec3d& up)
+{
+    const osg::Vec3d turn = (up - lastUp) / secondsPerTick;
+    lastUp = up;
+    return turn;
 }
 
 void KeyPlayer::steer(const osg::Vec2d& wantedVelocity, const PlayerView& view)
@@ -95,8 +107,7 @@ void KeyPlayer::steer(const osg::Vec2d& wantedVelocity, const PlayerView& view)
     const osg::Vec3d wanted = osg::Matrixd::transform3x3(
         osg::Vec3d(wantedVelocity.x(), wantedVelocity.y(), 0.0), view.board);
     const osg::Vec3d up = osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), view.board);
-    const osg::Vec3d turn = (up - lastUp) / secondsPerTick;
-    lastUp = up;
+    const osg::Vec3d turn = turnOf(up);
 
     const auto turnError = [&](double wantedSpeed, double currentSpeed, double tilt, double rate) {
         const double wantedTilt =
@@ -105,6 +116,14 @@ void KeyPlayer::steer(const osg::Vec2d& wantedVelocity, const PlayerView& view)
     };
     drive(turnError(wanted.x(), view.velocity.x(), up.x(), turn.x()), Qt::Key_Right, Qt::Key_Left);
     drive(turnError(wanted.y(), view.velocity.y(), up.y(), turn.y()), Qt::Key_Up, Qt::Key_Down);
+}
+
+void KeyPlayer::keepStill(const PlayerView& view)
+{
+    const osg::Vec3d turn =
+        turnOf(osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), view.board));
+    drive(-turn.x(), Qt::Key_Right, Qt::Key_Left);
+    drive(-turn.y(), Qt::Key_Up, Qt::Key_Down);
 }
 
 void KeyPlayer::drive(double error, Qt::Key towards, Qt::Key away)

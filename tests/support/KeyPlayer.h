@@ -33,13 +33,18 @@ public:
     void setSpeed(double unitsPerSecond) { speed = unitsPerSecond; }
     /// Steps that it does not take though the ball could; asked at every plan.
     void setFilter(const LevelMap::StepFilter& filter) { allowed = filter; }
+    /// Steps that it takes only where there is no other way.
+    void setCare(const LevelMap::StepFilter& filter) { careful = filter; }
     /// How deep an edge it rolls over.
     void setDrop(double height) { drop = height; }
 
-    /// Rolls on towards the cell for one tick. False if no way leads there from where the ball is.
-    bool rollTowards(const CellPosition& target, const PlayerView& view);
+    /// Rolls on along the way for one tick; the ball is in its first cell. With a way of one cell
+    /// it comes to rest in the middle of that.
+    void follow(const std::vector<CellPosition>& way, const PlayerView& view);
     /// Holds the ball where it is for one tick.
     void hold(const PlayerView& view);
+    /// Holds the board as it is for one tick, whatever the ball does.
+    void keepStill(const PlayerView& view);
     /// Steers by hand: the ball shall have this velocity on the board.
     void steer(const osg::Vec2d& wantedVelocity, const PlayerView& view);
     void letGo();
@@ -53,11 +58,13 @@ public:
 private:
     void press(Qt::Key key, bool down);
     void drive(double error, Qt::Key towards, Qt::Key away);
+    osg::Vec3d turnOf(const osg::Vec3d& up);
 
     const LevelMap& map;
     KeyAction pressKey;
     KeyAction releaseKey;
     LevelMap::StepFilter allowed;
+    LevelMap::StepFilter careful;
     double speed = 2.5;
     double drop = 0.05;
     double largestTilt = 0.2;  // sine of the angle

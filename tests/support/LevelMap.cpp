@@ -1,5 +1,10 @@
 #include "support/LevelMap.h"
 
+#include "blocks/BlockElevator.h"
+#include "blocks/ItemOption.h"
+#include "blocks/PortalShape.h"
+#include "blocks/TrapOption.h"
+
 #include <algorithm>
 #include <cmath>
 #include <deque>
@@ -8,6 +13,21 @@ namespace {
 
 constexpr double edgeTolerance = 0.02;
 constexpr int steps[4][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
+
+constexpr double gravity = 9.81;
+constexpr double ballMass = 0.1131;  // a ball of radius 0.3 and density 1
+constexpr double secondsPerTick = 1.0 / 30.0;
+constexpr double springMargin = 0.3;  // how much higher than the edge the ball has to come
+constexpr int longestFlight = 6;      // cells that are crossed without gravity
+
+double springRise(const LevelPixel& pixel)
+{
+    const TrapOption trap = TrapOption::ofSaturation(pixel.saturation);
+    if (blockKindOfHue(pixel.hue) != BlockKind::Trap || trap.kind != TrapKind::Spring)
+        return 0.0;
+    const double speed = 2.0 * trap.parameter * secondsPerTick / ballMass;
+    return speed * speed / (2.0 * gravity) - springMargin;
+}
 
 }  // namespace
 
@@ -76,23 +96,157 @@ double LevelMap::edgeHeight(const CellPosition& cell, int towardsColumn, int tow
     return along > 0 ? shape.highHeight : shape.lowHeight;
 }
 
+std::vector<double> LevelMap::shifts(const CellPosition& cell) const
+{
+    if (!is(cell, BlockKind::Elevator))
+        return {0.0};
+    return {0.0, BlockElevator::Way::ofSaturation(pixel(cell).saturation).travel};
+}
+
 bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double drop) const
 {
     if (!hasFloor(from) || !hasFloor(to))
         return false;
+    for (const double fromShift : shifts(from)) {
+        for (const double toShift : shifts(to)) {
+            if (rollsAt(from, fromShift, to, toShift, drop))
+                return true;
+        }
+    }
+    return false;
+}
+
+bool LevelMap::rollsAt(const CellPosition& from, double fromShift, const CellPosition& to,
+                       double toShift, double drop) const
+{
+    if (is(from, BlockKind::Portal))
+        return false;
+    if (is(to, BlockKind::Portal))
+        return entersPortal(from, to);
     const int column = to.column - from.column;
     const int row = to.row - from.row;
     const double leave = edgeHeight(from, column, row);
     const double enter = edgeHeight(to, -column, -row);
     if (leave < 0.0 || enter < 0.0)
         return false;
-    return enter <= leave + edgeTolerance && enter >= leave - drop - edgeTolerance;
+    const double rise = enter + toShift - leave - fromShift;
+    return rise <= springRise(pixel(from)) + edgeTolerance && rise >= -drop - edgeTolerance;
+}
+
+bool LevelMap::is(const CellPosition& cell, BlockKind kind) const
+{
+    return contains(cell) && blockKindOfHue(pixel(cell).hue) == kind;
+}
+
+bool LevelMap::isDanger(const CellPosition& cell) const
+{
+    const int saturation = pixel(cell).saturation;
+    if (is(cell, BlockKind::Item))
+        return ItemOption::ofSaturation(saturation).count < 0;
+    if (!is(cell, BlockKind::Trap))
+        return false;
+    const TrapOption trap = TrapOption::ofSaturation(saturation);
+    return trap.kind == TrapKind::Mine || trap.kind == TrapKind::Well ||
+           (trap.kind == TrapKind::Trapdoor && trap.parameter == 0.0);
+}
+
+bool LevelMap::isNextToDanger(const CellPosition& cell) const
+{
+    return std::any_of(std::begin(steps), std::end(steps), [&](const auto& step) {
+        const CellPosition next{cell.column + step[0], cell.row + step[1]};
+        return contains(next) && isDanger(next);
+    });
+}
+
+bool LevelMap::isSpring(const CellPosition& cell) const
+{
+    return contains(cell) && springRise(pixel(cell)) > 0.0;
+}
+
+bool LevelMap::isTrapdoor(const CellPosition& cell) const
+{
+    return is(cell, BlockKind::Trap) &&
+           TrapOption::ofSaturation(pixel(cell).saturation).kind == TrapKind::Trapdoor;
+}
+
+bool LevelMap::isWeight(const CellPosition& cell) const
+{
+    return is(cell, BlockKind::Item) &&
+           ItemOption::ofSaturation(pixel(cell).saturation).kind == ItemKind::Weight;
+}
+
+bool LevelMap::hurries(const CellPosition& from, const CellPosition& to) const
+{
+    const auto carriesOn = [this](const CellPosition& cell) {
+        return isSpring(cell) || isTrapdoor(cell) || isWeight(cell);
+    };
+    return carriesOn(from) || carriesOn(to) || is(to, BlockKind::Portal);
+}
+
+CellPosition LevelMap::beforeMouth(const CellPosition& portal) const
+{
+    switch (PortalOption::ofSaturation(pixel(portal).saturation).face) {
+    case PortalFace::Right:
+        return {portal.column + 1, portal.row};
+    case PortalFace::Left:
+        return {portal.column - 1, portal.row};
+    case PortalFace::Back:
+        return {portal.column, portal.row - 1};
+    case PortalFace::Front:
+        return {portal.column, portal.row + 1};
+    case PortalFace::Top:
+        break;
+    }
+    return {-1, -1};
+}
+
+bool LevelMap::entersPortal(const CellPosition& from, const CellPosition& to) const
+{
+    return hasFloor(from) && beforeMouth(to) == from;
+}
+
+std::vector<CellPosition> LevelMap::crossings(const CellPosition& portal) const
+{
+    std::vector<CellPosition> ends;
+    for (const CellPosition& partner : cellsWhere([&](const LevelPixel& other) {
+             return blockKindOfHue(other.hue) == BlockKind::Portal &&
+                    other.alpha == pixel(portal).alpha;
+         })) {
+        if (!(partner == portal) && hasFloor(beforeMouth(partner)))
+            ends.push_back(beforeMouth(partner));
+    }
+    return ends;
+}
+
+std::vector<CellPosition> LevelMap::flights(const CellPosition& weight) const
+{
+    std::vector<CellPosition> ends;
+    for (const auto& step : steps) {
+        CellPosition end{weight.column + step[0], weight.row + step[1]};
+        int length = 1;
+        for (; contains(end) && !hasFloor(end) && length <= longestFlight; ++length)
+            end = {end.column + step[0], end.row + step[1]};
+        if (length > 1 && hasFloor(end) &&
+            edgeHeight(end, -step[0], -step[1]) <= edgeHeight(weight, step[0], step[1]))
+            ends.push_back(end);
+    }
+    return ends;
+}
+
+/// Where the ball can be next without having rolled there.
+std::vector<CellPosition> LevelMap::leaps(const CellPosition& from) const
+{
+    if (is(from, BlockKind::Portal))
+        return crossings(from);
+    if (isWeight(from))
+        return flights(from);
+    return {};
 }
 
 bool LevelMap::climbs(const CellPosition& from, const CellPosition& to) const
 {
-    const int column = to.column - from.column;
-    const int row = to.row - from.row;
+    const int column = std::clamp(to.column - from.column, -1, 1);
+    const int row = std::clamp(to.row - from.row, -1, 1);
     const auto rises = [&](const CellPosition& cell) {
         return hasFloor(cell) &&
                edgeHeight(cell, column, row) > edgeHeight(cell, -column, -row) + edgeTolerance;
@@ -114,10 +268,14 @@ std::vector<CellPosition> LevelMap::way(const CellPosition& from, const CellPosi
     while (!open.empty() && cameFrom[index(to)] < 0) {
         const CellPosition cell = open.front();
         open.pop_front();
+        std::vector<CellPosition> reachable = leaps(cell);
         for (const auto& step : steps) {
             const CellPosition next{cell.column + step[0], cell.row + step[1]};
-            if (!contains(next) || cameFrom[index(next)] >= 0 || !rolls(cell, next, drop) ||
-                !allowed(cell, next))
+            if (contains(next) && rolls(cell, next, drop))
+                reachable.push_back(next);
+        }
+        for (const CellPosition& next : reachable) {
+            if (cameFrom[index(next)] >= 0 || !allowed(cell, next))
                 continue;
             cameFrom[index(next)] = int(index(cell));
             open.push_back(next);

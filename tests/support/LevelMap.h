@@ -46,18 +46,44 @@ public:
     using StepFilter = std::function<bool(const CellPosition& from, const CellPosition& to)>;
 
     /// The shortest way, both ends included, along steps that a rolling ball can take: never up an
-    /// edge, down one only by `drop`. Empty if there is none.
+    /// edge, down one only by `drop`. From a portal it goes on before the mouth of a partner, from
+    /// a weight at the far edge of a chasm. Empty if there is none.
     std::vector<CellPosition> way(const CellPosition& from, const CellPosition& to,
                                   const StepFilter& allowed, double drop = 0.05) const;
 
-    /// Whether a ball can roll from a cell on to its neighbour, by the heights of their edges.
+    /// Whether a ball can roll from a cell on to its neighbour, by the heights of their edges: at
+    /// either end of an elevator's travel, up an edge from a spring, into a portal by its mouth.
     bool rolls(const CellPosition& from, const CellPosition& to, double drop) const;
+    /// The same for cells that stand this high now: above what the picture says, by `fromShift` and
+    /// `toShift`.
+    bool rollsAt(const CellPosition& from, double fromShift, const CellPosition& to, double toShift,
+                 double drop) const;
 
     /// Whether the step leads on to a ramp's low edge or over its high one.
     bool climbs(const CellPosition& from, const CellPosition& to) const;
 
+    /// Whether the step is taken without braking: on to a spring, weight, portal or trapdoor, and
+    /// from there on.
+    bool hurries(const CellPosition& from, const CellPosition& to) const;
+
+    bool is(const CellPosition& cell, BlockKind kind) const;
+    /// Costs lives or coins, or does not let go of the ball again.
+    bool isDanger(const CellPosition& cell) const;
+    /// Whether a danger is near enough to be hit by a ball that does not turn in time.
+    bool isNextToDanger(const CellPosition& cell) const;
+    bool isSpring(const CellPosition& cell) const;
+    bool isTrapdoor(const CellPosition& cell) const;
+    bool isWeight(const CellPosition& cell) const;
+
 private:
     double edgeHeight(const CellPosition& cell, int towardsColumn, int towardsRow) const;
+    std::vector<double> shifts(const CellPosition& cell) const;
+    bool entersPortal(const CellPosition& from, const CellPosition& to) const;
+    /// The cell before a portal's mouth; one outside the picture for a mouth on the top.
+    CellPosition beforeMouth(const CellPosition& portal) const;
+    std::vector<CellPosition> leaps(const CellPosition& from) const;
+    std::vector<CellPosition> crossings(const CellPosition& portal) const;
+    std::vector<CellPosition> flights(const CellPosition& weight) const;
 
     int columns;
     int rows;
