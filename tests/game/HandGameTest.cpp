@@ -8,6 +8,7 @@
 #include "hud/TextHUD.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "platform/leap/ServiceAddress.h"
 
 #include <osg/NodeVisitor>
 #include <osgText/Text>
@@ -162,9 +163,11 @@ HandGameTest::HandGameTest() : witness(witnessOf(game))
 {
     service.streams(false);
     service.shows({});
+    Leap::setServiceAddress(SensorService::urlOfPort(service.port()));
+    const int connections = witness.connections();
     LeapManager::setListener(&witness);
     EXPECT_TRUE(service.hasClient());
-    EXPECT_TRUE(witness.waitsForConnections(1));
+    EXPECT_TRUE(witness.waitsForConnections(connections + 1));
     game.handCamera->setAngle(cameraAngle);
     game.handCamera->setHeight(cameraHeight);
     loads({"#######", "#.....#", "#.....#", "#..S..#", "#.....#", "#.....#", "#######"});
