@@ -3,7 +3,6 @@
 #include "platform/osgqt/GLWidget.h"
 
 #include <QHash>
-
 #include <osgViewer/CompositeViewer>
 
 #include <list>

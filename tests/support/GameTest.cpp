@@ -10,6 +10,7 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "support/FrameGrab.h"
+#include "support/SceneSearch.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,6 +20,7 @@
 #include <QThread>
 #include <osg/Math>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -28,7 +30,8 @@ constexpr int tickMilliseconds = 20;
 const QSize drawnSize(800, 600);
 const QSize undrawnSize(40, 30);
 
-/// The game's folder: links to the true run-time files, without the level pictures.
+/// The game's folder: the true run-time files, without the level pictures. Shaders are copies, as
+/// they are watched: a test may spoil one and mend it.
 class GameFolder
 {
 public:
@@ -48,8 +51,11 @@ private:
     static void link(const QDir& source, const QString& target)
     {
         for (const QFileInfo& file : source.entryInfoList(QDir::Files)) {
-            if (!file.fileName().startsWith("level"))
-                QFile::link(file.absoluteFilePath(), target + "/" + file.fileName());
+            const QString name = target + "/" + file.fileName();
+            if (QStringList({"vert", "frag", "geom", "glsl"}).contains(file.suffix()))
+                QFile::copy(file.absoluteFilePath(), name);
+            else if (!file.fileName().startsWith("level"))
+                QFile::link(file.absoluteFilePath(), name);
         }
     }
 
@@ -186,6 +192,21 @@ void GameTest::holds(Qt::Key key, int tickCount)
     presses(key);
     ticks(tickCount);
     releases(key);
+}
+
+bool GameTest::picks(const std::string& line)
+{
+    constexpr float selectedLineSize = 50.0f;
+    constexpr int mostLines = 10;
+    for (int i = 0; i < mostLines; ++i) {
+        const std::vector<std::string> large = textsBelow(game.getSceneData(), selectedLineSize);
+        if (std::find(large.begin(), large.end(), line) != large.end()) {
+            releases(Qt::Key_Return);
+            return true;
+        }
+        releases(Qt::Key_Down);
+    }
+    return false;
 }
 
 void GameTest::draws(bool on)

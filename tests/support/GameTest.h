@@ -46,12 +46,14 @@ public:
     void presses(Qt::Key key);
     void releases(Qt::Key key);
     void holds(Qt::Key key, int tickCount);
+    /// Goes to the line of the menu that is up, and picks it, by keys; false if there is none.
+    bool picks(const std::string& line);
 
     /// What the frame shows from now on: the scene, or nothing but the background (the default,
     /// which makes a tick cheap).
     void draws(bool on);
-    /// The frame of one more tick, 800 x 600, drawing on for it. `afterPause` shows the world as it
-    /// is, without advancing it.
+    /// The frame of one more tick, 800 x 600, drawing on for it. Without `advance` it
+    /// shows the world as it is.
     QImage frame(bool advance = true);
 
     /// The board's tilt against the vertical.

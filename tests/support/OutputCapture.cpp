@@ -1,5 +1,7 @@
 #include "support/OutputCapture.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -19,9 +21,11 @@ OutputCapture::OutputCapture()
 
 OutputCapture::~OutputCapture()
 {
-    std::cout.flush();
-    std::fflush(stdout);
+    const std::string captured = text();
     dup2(savedOutput, STDOUT_FILENO);
+    // What a failed test says of itself has been caught as well.
+    if (testing::Test::HasFailure())
+        std::cout << captured << std::flush;
     close(savedOutput);
     close(file);
 }

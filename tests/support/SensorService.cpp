@@ -4,6 +4,9 @@
 
 #include <QElapsedTimer>
 
+#include <condition_variable>
+#include <mutex>
+
 namespace {
 
 constexpr int generousLimit = 20000;  // ms
@@ -130,11 +133,25 @@ std::string SensorService::urlOfPort(quint16 port)
     return "ws://127.0.0.1:" + std::to_string(port) + "/v6.json";
 }
 
+// The handing over is locked and awaited by means that the thread sanitizer sees: it does not see
+// into the event queue, and would call every use of the server a race.
 void SensorService::onServer(const std::function<void(SensorServer&)>& work)
 {
+    std::mutex handover;
+    std::unique_lock<std::mutex> lock(handover);
+    std::condition_variable finished;
+    bool done = false;
     SensorServer* const service = server.get();
     QMetaObject::invokeMethod(
-        service, [&] { work(*service); }, Qt::BlockingQueuedConnection);
+        service,
+        [&] {
+            const std::lock_guard<std::mutex> lockHere(handover);
+            work(*service);
+            done = true;
+            finished.notify_all();
+        },
+        Qt::QueuedConnection);
+    finished.wait(lock, [&] { return done; });
 }
 
 bool holdsWithin(int milliseconds, const std::function<bool()>& condition)

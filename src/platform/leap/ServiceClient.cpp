@@ -2,7 +2,6 @@
 
 #include "platform/leap/MessageParser.h"
 #include "platform/leap/ServiceAddress.h"
-#include "platform/leap/ServiceThread.h"
 #include "platform/leap/Session.h"
 
 #include <QAbstractSocket>
@@ -11,7 +10,6 @@
 #include <QUrl>
 #include <QWebSocket>
 
-#include <mutex>
 #include <utility>
 
 namespace Leap {
@@ -30,9 +28,6 @@ constexpr int pulseInterval = 600;  // ms
 // More than one whole message, as the library reads the payload of a frame in one piece.
 constexpr qint64 readBuffer = 2 * longestMessage;
 
-std::once_flag firstFailure;
-std::once_flag firstGreeting;
-
 }  // namespace
 
 ServiceClient::ServiceClient(std::shared_ptr<Session> session_) : session(std::move(session_))
@@ -47,7 +42,8 @@ ServiceClient::ServiceClient(std::shared_ptr<Session> session_) : session(std::m
     connect(&pulse, &QTimer::timeout, this, &ServiceClient::checkPulse);
 
     session->whenGesturesChange([this] {
-        QMetaObject::invokeMethod(this, &ServiceClient::sendGestures, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { sendGestures(); }, Qt::QueuedConnection);
     });
     // The service sends to one program at a time and does not tell who lost; so the focus is given
     // back with the window's, and taken again. Until a window was active nothing is given back:
@@ -97,7 +93,6 @@ void ServiceClient::receive(const QString& text)
         pinged = false;
         pulse.start();
         sendSettings();
-        std::call_once(firstGreeting, &ServiceThread::stopAtExit);
         break;
     case Conversation::Verdict::Hopeless:
         reconnect();
@@ -157,7 +152,6 @@ void ServiceClient::reconnect()
 {
     dropSocket();
     retry.start();
-    std::call_once(firstFailure, &ServiceThread::stopAtExit);
 }
 
 void ServiceClient::dropSocket()

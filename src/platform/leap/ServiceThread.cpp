@@ -3,8 +3,9 @@
 #include "platform/leap/ServiceClient.h"
 #include "platform/leap/Session.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
-#include <cstdlib>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -35,11 +36,30 @@ void stopAll()
     }
 }
 
+// Dies with the main thread, which is before any object of static storage does.
+struct EndOfMainThread
+{
+    ~EndOfMainThread() { stopAll(); }
+};
+
+// The thread must not be using the global objects of the network library when they go, and it makes
+// them as it goes along: no exit handler can be registered late enough to come before all of them.
+// What is local to the main thread is destroyed before the first of them, and before all handlers.
+void stopAllBeforeExit()
+{
+    const QCoreApplication* const application = QCoreApplication::instance();
+    if (application && application->thread() == QThread::currentThread()) {
+        thread_local EndOfMainThread end;
+        static_cast<void>(end);
+    }
+}
+
 }  // namespace
 
 ServiceThread::ServiceThread(std::shared_ptr<Session> session_) : session(std::move(session_))
 {
     setObjectName(QStringLiteral("sensor service"));
+    stopAllBeforeExit();
     const std::lock_guard<std::mutex> lock(registry().mutex);
     registry().threads.push_back(this);
     start();
@@ -54,11 +74,6 @@ ServiceThread::~ServiceThread()
     }
     quit();
     wait();
-}
-
-void ServiceThread::stopAtExit()
-{
-    std::atexit(stopAll);
 }
 
 void ServiceThread::run()

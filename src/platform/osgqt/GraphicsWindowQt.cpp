@@ -13,8 +13,11 @@ GraphicsWindowQt::GraphicsWindowQt(GLWidget* glWidget) : widget(glWidget)
     _traits = new osg::GraphicsContext::Traits;
     _traits->x = qRound(widget->x() * ratio);
     _traits->y = qRound(widget->y() * ratio);
-    _traits->width = qRound(widget->width() * ratio);
-    _traits->height = qRound(widget->height() * ratio);
+    // Not yet in device pixels: a camera is taken to fill the window, and follows its size, only if
+    // its viewport is no smaller, and a first viewport knows nothing of the screen. The size comes
+    // right when the widget is shown.
+    _traits->width = widget->width();
+    _traits->height = widget->height();
     _traits->red = format.redBufferSize() > 0 ? format.redBufferSize() : 8;
     _traits->green = format.greenBufferSize() > 0 ? format.greenBufferSize() : 8;
     _traits->blue = format.blueBufferSize() > 0 ? format.blueBufferSize() : 8;

@@ -1,0 +1,353 @@
+#include "frame/OsgViewerWidget.h"
+
+#include "frame/KeyListener.h"
+#include "frame/MouseListener.h"
+#include "platform/osgqt/GraphicsWindowQt.h"
+#include "support/EventLoop.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QProcess>
+#include <QTimer>
+#include <QWheelEvent>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// Writes down what it hears, and accepts it if it shall.
+class Listener : public KeyListener, public MouseListener
+{
+public:
+    void keyPressEvent(QKeyEvent* event) override { hears("key press", event); }
+    void keyReleaseEvent(QKeyEvent* event) override { hears("key release", event); }
+    void mousePressEvent(QMouseEvent* event) override { hears("press", event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { hears("release", event); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { hears("double click", event); }
+    void mouseMoveEvent(QMouseEvent* event) override { hears("move", event); }
+    void wheelEvent(QWheelEvent* event) override { hears("wheel", event); }
+
+    Names heard;
+    bool accepts = false;
+
+private:
+    void hears(const std::string& name, QEvent* event)
+    {
+        heard.push_back(name);
+        EXPECT_FALSE(event->isAccepted()) << "it is the listener that accepts";
+        if (accepts)
+            event->accept();
+    }
+};
+
+class OsgViewerWidgetTest : public testing::Test
+{
+protected:
+    /// True if the event was accepted in the end.
+    bool sends(QEvent& event)
+    {
+        event.accept();
+        QCoreApplication::sendEvent(widget.get(), &event);
+        return event.isAccepted();
+    }
+
+    bool sendsKey(QEvent::Type type, Qt::Key key, bool repeated = false)
+    {
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), repeated);
+        return sends(event);
+    }
+
+    bool sendsMouse(QEvent::Type type, const QPointF& position = QPointF(10, 20))
+    {
+        QMouseEvent event(type, position, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        return sends(event);
+    }
+
+    bool sendsWheel()
+    {
+        QWheelEvent event(QPointF(10, 20), QPointF(10, 20), QPoint(), QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        return sends(event);
+    }
+
+    /// The kinds of event that have come to OpenSceneGraph since the last call.
+    std::vector<osg::ref_ptr<osgGA::GUIEventAdapter>> queued()
+    {
+        osgGA::EventQueue::Events events;
+        widget->getGraphicsWindow()->getEventQueue()->takeEvents(events);
+        std::vector<osg::ref_ptr<osgGA::GUIEventAdapter>> result;
+        for (const osg::ref_ptr<osgGA::Event>& event : events)
+            result.push_back(event->asGUIEventAdapter());
+        return result;
+    }
+
+    osg::ref_ptr<osgViewer::View> addsView()
+    {
+        osg::ref_ptr<osgViewer::View> view = new osgViewer::View;
+        view->getCamera()->setGraphicsContext(widget->getGraphicsWindow());
+        view->getCamera()->setViewport(0, 0, 800, 600);
+        view->getCamera()->setProjectionMatrixAsPerspective(30.0, 4.0 / 3.0, 1.0, 100.0);
+        widget->addView(view);
+        return view;
+    }
+
+    void listens()
+    {
+        for (Listener* listener : {&first, &second}) {
+            widget->addKeyListener(listener);
+            widget->addMouseListener(listener);
+        }
+    }
+
+    std::unique_ptr<OsgViewerWidget> widget = std::make_unique<OsgViewerWidget>();
+    Listener first;
+    Listener second;
+};
+
+TEST_F(OsgViewerWidgetTest, LeavesEventsUnacceptedWithoutListenersButFeedsTheViewer)
+{
+    queued();
+    EXPECT_FALSE(sendsKey(QEvent::KeyPress, Qt::Key_Escape));
+    EXPECT_FALSE(sendsKey(QEvent::KeyRelease, Qt::Key_Escape));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonPress));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseMove));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonRelease));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonDblClick));
+    EXPECT_FALSE(sendsWheel());
+    std::vector<int> types;
+    for (const auto& event : queued())
+        types.push_back(event->getEventType());
+    using Adapter = osgGA::GUIEventAdapter;
+    EXPECT_EQ(types,
+              (std::vector<int>{Adapter::KEYDOWN, Adapter::KEYUP, Adapter::PUSH, Adapter::DRAG,
+                                Adapter::RELEASE, Adapter::DOUBLECLICK, Adapter::SCROLL}));
+}
+
+TEST_F(OsgViewerWidgetTest, PassesEveryEventOnToAllWhoDoNotAccept)
+{
+    listens();
+    EXPECT_FALSE(sendsKey(QEvent::KeyPress, Qt::Key_A));
+    EXPECT_FALSE(sendsKey(QEvent::KeyRelease, Qt::Key_A));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonPress));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonRelease));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseButtonDblClick));
+    EXPECT_FALSE(sendsMouse(QEvent::MouseMove));
+    EXPECT_FALSE(sendsWheel());
+    const Names all{"key press",    "key release", "press", "release",
+                    "double click", "move",        "wheel"};
+    EXPECT_EQ(first.heard, all);
+    EXPECT_EQ(second.heard, all);
+}
+
+TEST_F(OsgViewerWidgetTest, EndsTheWalkAtTheFirstWhoAccepts)
+{
+    listens();
+    first.accepts = true;
+    EXPECT_TRUE(sendsKey(QEvent::KeyPress, Qt::Key_A));
+    EXPECT_TRUE(sendsKey(QEvent::KeyRelease, Qt::Key_A));
+    EXPECT_TRUE(sendsMouse(QEvent::MouseButtonPress));
+    EXPECT_TRUE(sendsMouse(QEvent::MouseButtonRelease));
+    EXPECT_TRUE(sendsMouse(QEvent::MouseButtonDblClick));
+    EXPECT_TRUE(sendsMouse(QEvent::MouseMove));
+    EXPECT_TRUE(sendsWheel());
+    EXPECT_EQ(first.heard.size(), 7u);
+    EXPECT_TRUE(second.heard.empty());
+}
+
+TEST_F(OsgViewerWidgetTest, AsksTheSecondWhenTheFirstDoesNotAccept)
+{
+    listens();
+    second.accepts = true;
+    EXPECT_TRUE(sendsKey(QEvent::KeyPress, Qt::Key_A));
+    EXPECT_EQ(first.heard, Names{"key press"});
+    EXPECT_EQ(second.heard, Names{"key press"});
+}
+
+TEST_F(OsgViewerWidgetTest, TellsAListenerThatStandsTwiceTwice)
+{
+    widget->addKeyListener(&first);
+    widget->addKeyListener(&first);
+    sendsKey(QEvent::KeyPress, Qt::Key_A);
+    EXPECT_EQ(first.heard.size(), 2u);
+}
+
+TEST_F(OsgViewerWidgetTest, TogglesFullScreenWhenF11IsReleased)
+{
+    listens();
+    widget->show();
+    EXPECT_FALSE(sendsKey(QEvent::KeyPress, Qt::Key_F11));
+    EXPECT_EQ(first.heard, Names{"key press"}) << "the press is a press like any other";
+    EXPECT_FALSE(widget->isFullScreen());
+    EXPECT_TRUE(sendsKey(QEvent::KeyRelease, Qt::Key_F11, true));
+    EXPECT_FALSE(widget->isFullScreen()) << "held down, not released";
+    EXPECT_TRUE(sendsKey(QEvent::KeyRelease, Qt::Key_F11));
+    EXPECT_TRUE(widget->isFullScreen());
+    EXPECT_TRUE(sendsKey(QEvent::KeyRelease, Qt::Key_F11));
+    EXPECT_FALSE(widget->isFullScreen());
+    EXPECT_TRUE(widget->isVisible());
+    EXPECT_EQ(first.heard, Names{"key press"}) << "no release of it is passed on";
+}
+
+TEST_F(OsgViewerWidgetTest, ReleasesTheKeyThatWasPressed)
+{
+    class Keys : public Listener
+    {
+    public:
+        void keyReleaseEvent(QKeyEvent* event) override
+        {
+            released = event->key();
+            event->accept();
+        }
+        int released = 0;
+    };
+    constexpr quint32 scanCode = 21;
+    Keys keys;
+    widget->addKeyListener(&keys);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Plus, Qt::ShiftModifier, scanCode, 0, 0);
+    sends(press);
+    // Shift is let go of first: the same key bears another name now.
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Equal, Qt::NoModifier, scanCode, 0, 0);
+    EXPECT_TRUE(sends(release));
+    EXPECT_EQ(keys.released, Qt::Key_Plus);
+    QKeyEvent another(QEvent::KeyRelease, Qt::Key_Equal, Qt::NoModifier, scanCode, 0, 0);
+    sends(another);
+    EXPECT_EQ(keys.released, Qt::Key_Equal) << "and is forgotten then";
+}
+
+TEST_F(OsgViewerWidgetTest, FeedsTheReleaseOfF11ToTheViewer)
+{
+    queued();
+    sendsKey(QEvent::KeyRelease, Qt::Key_F11);
+    const auto events = queued();
+    ASSERT_FALSE(events.empty());
+    EXPECT_EQ(events.front()->getEventType(), osgGA::GUIEventAdapter::KEYUP);
+    EXPECT_EQ(events.front()->getKey(), osgGA::GUIEventAdapter::KEY_F11);
+}
+
+TEST_F(OsgViewerWidgetTest, StaysOpenAtEscape)
+{
+    const osg::ref_ptr<osgViewer::View> view = addsView();
+    widget->show();
+    sendsKey(QEvent::KeyPress, Qt::Key_Escape);
+    sendsKey(QEvent::KeyRelease, Qt::Key_Escape);
+    widget->frame();
+    EXPECT_FALSE(widget->done());
+    EXPECT_TRUE(widget->isVisible());
+}
+
+TEST_F(OsgViewerWidgetTest, EndsTheEventLoopWhenItIsClosed)
+{
+    widget->show();
+    QTimer::singleShot(0, widget.get(), &QWidget::close);
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_FALSE(widget->isVisible());
+}
+
+TEST_F(OsgViewerWidgetTest, DrawsAFrameWhenItIsPainted)
+{
+    const osg::ref_ptr<osgViewer::View> view = addsView();
+    widget->resize(64, 48);
+    widget->show();
+    ASSERT_TRUE(waitUntil([&] { return widget->getFrameStamp()->getFrameNumber() > 0; }));
+    const unsigned int before = widget->getFrameStamp()->getFrameNumber();
+    widget->repaint();
+    EXPECT_EQ(widget->getFrameStamp()->getFrameNumber(), before + 1);
+    EXPECT_EQ(widget->getFrameStamp()->getSimulationTime(),
+              widget->getFrameStamp()->getReferenceTime());
+}
+
+TEST_F(OsgViewerWidgetTest, DrawsOnTheCallersThreadForShadersThatWantUniforms)
+{
+    EXPECT_EQ(widget->getThreadingModel(), osgViewer::ViewerBase::SingleThreaded);
+    EXPECT_EQ(widget->getKeyEventSetsDone(), 0);
+    const osg::State* state = widget->getGraphicsWindow()->getState();
+    EXPECT_TRUE(state->getUseModelViewAndProjectionUniforms());
+    EXPECT_TRUE(state->getUseVertexAttributeAliasing());
+    EXPECT_TRUE(widget->format().depth());
+    EXPECT_TRUE(widget->format().stencil());
+    EXPECT_TRUE(widget->format().doubleBuffer());
+}
+
+TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
+{
+    const double ratio = widget->devicePixelRatioF();
+    RecordProperty("ratio", std::to_string(ratio));
+    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) {
+        ASSERT_EQ(ratio, qEnvironmentVariable("QT_SCALE_FACTOR").toDouble());
+    }
+    const osg::ref_ptr<osgViewer::View> view = addsView();
+    widget->show();
+    queued();
+    widget->resize(320, 120);
+    const int width = int(std::lround(320 * ratio));
+    const int height = int(std::lround(120 * ratio));
+    bool told = false;
+    for (const auto& event : queued()) {
+        if (event->getEventType() == osgGA::GUIEventAdapter::RESIZE)
+            told = event->getWindowWidth() == width && event->getWindowHeight() == height;
+    }
+    EXPECT_TRUE(told);
+    EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->width, width);
+    EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->height, height);
+    EXPECT_EQ(view->getCamera()->getViewport()->width(), width);
+    EXPECT_EQ(view->getCamera()->getViewport()->height(), height);
+    double fieldOfView = 0.0;
+    double shape = 0.0;
+    double nearPlane = 0.0;
+    double farPlane = 0.0;
+    view->getCamera()->getProjectionMatrixAsPerspective(fieldOfView, shape, nearPlane, farPlane);
+    EXPECT_NEAR(fieldOfView, 30.0, 1e-6) << "the height's angle stays";
+    EXPECT_NEAR(shape, 320.0 / 120.0, 1e-6);
+
+    sendsMouse(QEvent::MouseMove, QPointF(100, 30));
+    const auto events = queued();
+    ASSERT_FALSE(events.empty());
+    EXPECT_NEAR(events.back()->getX(), 100 * ratio, 0.01);
+    EXPECT_NEAR(events.back()->getY(), 30 * ratio, 0.01);
+}
+
+TEST_F(OsgViewerWidgetTest, DoesTheSameOnAScreenOfTwoDevicePixelsAPoint)
+{
+    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
+        return;  // inside the run below
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", "2");
+    process.setProcessEnvironment(environment);
+    process.start(QCoreApplication::applicationFilePath(),
+                  {"--gtest_filter=OsgViewerWidgetTest.TellsTheViewerSizesAndPlaces*"});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    const std::string output = process.readAllStandardOutput().toStdString();
+    EXPECT_EQ(process.exitCode(), 0) << output;
+    EXPECT_NE(output.find("[  PASSED  ] 1 test."), std::string::npos) << output;
+}
+
+TEST_F(OsgViewerWidgetTest, TakesTheKeyboardsFocus)
+{
+    EXPECT_EQ(widget->focusPolicy(), Qt::StrongFocus);
+    widget->show();
+    widget->activateWindow();
+    widget->getGraphicsWindow()->grabFocus();
+    EXPECT_TRUE(waitUntil([&] {
+        widget->activateWindow();
+        return widget->isActiveWindow() && widget->hasFocus();
+    }));
+}
+
+TEST_F(OsgViewerWidgetTest, KeepsTheWindowThatItDrawsIn)
+{
+    EXPECT_EQ(widget->getGraphicsWindow()->getGLWidget(), widget.get());
+    osg::ref_ptr<osgQt::GraphicsWindowQt> window = widget->getGraphicsWindow();
+    EXPECT_TRUE(window->valid());
+    widget.reset();
+    EXPECT_FALSE(window->valid()) << "a window without its widget draws nothing";
+}
+
+}  // namespace

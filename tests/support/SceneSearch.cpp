@@ -1,0 +1,76 @@
+#include "support/SceneSearch.h"
+
+#include <osg/Drawable>
+#include <osg/Image>
+#include <osg/NodeVisitor>
+#include <osg/Texture2D>
+#include <osgText/Text>
+
+#include <functional>
+
+namespace {
+
+class Walk : public osg::NodeVisitor
+{
+public:
+    explicit Walk(std::function<void(osg::Node&)> action)
+        : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN), visit(std::move(action))
+    {
+        setNodeMaskOverride(~0u);
+    }
+
+    void apply(osg::Node& node) override
+    {
+        visit(node);
+        traverse(node);
+    }
+
+private:
+    std::function<void(osg::Node&)> visit;
+};
+
+}  // namespace
+
+std::vector<std::string> textsBelow(osg::Node* node, float smallest)
+{
+    std::vector<std::string> texts;
+    Walk walk([&](osg::Node& found) {
+        const auto* text = dynamic_cast<osgText::Text*>(&found);
+        if (text && text->getCharacterHeight() >= smallest)
+            texts.push_back(text->getText().createUTF8EncodedString());
+    });
+    node->accept(walk);
+    return texts;
+}
+
+std::vector<std::string> imagesBelow(osg::Node* node)
+{
+    std::vector<std::string> images;
+    Walk walk([&](osg::Node& found) {
+        if (!found.getStateSet())
+            return;
+        const auto* texture = dynamic_cast<osg::Texture2D*>(
+            found.getStateSet()->getTextureAttribute(0, osg::StateAttribute::TEXTURE));
+        if (texture && texture->getImage())
+            images.push_back(texture->getImage()->getFileName());
+    });
+    node->accept(walk);
+    return images;
+}
+
+osg::Node* nodeWithUniform(osg::Node* node, const std::string& name)
+{
+    osg::Node* result = nullptr;
+    Walk walk([&](osg::Node& found) {
+        if (!result && found.getStateSet() && found.getStateSet()->getUniform(name))
+            result = &found;
+    });
+    node->accept(walk);
+    return result;
+}
+
+osg::Uniform* uniformBelow(osg::Node* node, const std::string& name)
+{
+    osg::Node* owner = nodeWithUniform(node, name);
+    return owner ? owner->getStateSet()->getUniform(name) : nullptr;
+}
