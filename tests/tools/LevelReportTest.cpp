@@ -2,7 +2,10 @@
 
 #include "support/LevelPicture.h"
 
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace {
 
@@ -167,4 +170,39 @@ TEST(LevelReport, HasNothingToSayOfTheLevelsOfTheGame)
         ASSERT_FALSE(picture.isNull());
         EXPECT_EQ(LevelReport(picture).warnings(), Lines{});
     }
+}
+
+class LevelReportOfAFile : public ::testing::Test
+{
+protected:
+    int reports(const LevelPicture& picture, bool onlyWarnings)
+    {
+        picture.image().save(QString::fromStdString(file));
+        return reportLevel(file, onlyWarnings, out);
+    }
+
+    QTemporaryDir folder;
+    const std::string file = folder.filePath("level.png").toStdString();
+    std::ostringstream out;
+};
+
+TEST_F(LevelReportOfAFile, TellsSummaryAndBlocks)
+{
+    EXPECT_EQ(reports(LevelPicture({"SG"}), false), 0);
+    EXPECT_EQ(out.str(), file + ": 2 x 1 cells: 0 floors and walls, 2 other blocks\n" +
+                             "  column 0, row 0: start; 0.5 high; group 255\n"
+                             "  column 1, row 0: goal, 50 coins; 0.5 high; group 255\n");
+}
+
+TEST_F(LevelReportOfAFile, TellsOnlyWarningsIfNoMoreIsWanted)
+{
+    EXPECT_EQ(reports(LevelPicture({"S."}), true), 1);
+    EXPECT_EQ(out.str(), file + ": 2 x 1 cells: 1 floors and walls, 1 other blocks\n" +
+                             "  warning: there is no goal, so the level cannot be won\n");
+}
+
+TEST_F(LevelReportOfAFile, SaysWhenThereIsNoPicture)
+{
+    EXPECT_EQ(reportLevel(file, false, out), 2);
+    EXPECT_EQ(out.str(), file + ": this is no picture that I can read\n");
 }

@@ -6,9 +6,14 @@
 #include "blocks/TrapOption.h"
 #include "level/BlockCheckpoint.h"
 
+#include <ostream>
 #include <sstream>
 
 namespace {
+
+constexpr int sound = 0;
+constexpr int doubtful = 1;
+constexpr int unreadable = 2;
 
 constexpr double anyDrop = 10.0;  // a ball may fall as deep as it likes
 
@@ -189,4 +194,23 @@ void LevelReport::warnOfWays(Lines& lines) const
             lines.push_back(place(cell) + ": " + blockInWords(map.pixel(cell)) +
                             ", and no way leads there from the start");
     }
+}
+
+int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out)
+{
+    const QImage picture(QString::fromStdString(file));
+    if (picture.isNull()) {
+        out << file << ": this is no picture that I can read" << std::endl;
+        return unreadable;
+    }
+    const LevelReport report(picture);
+    out << file << ": " << report.summary() << std::endl;
+    if (!onlyWarnings) {
+        for (const std::string& line : report.blocks())
+            out << "  " << line << std::endl;
+    }
+    const std::vector<std::string> warnings = report.warnings();
+    for (const std::string& line : warnings)
+        out << "  warning: " << line << std::endl;
+    return warnings.empty() ? sound : doubtful;
 }

@@ -2,6 +2,7 @@
 
 #include "LevelMap.h"
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -36,3 +37,7 @@ private:
     Cells starts;
     Cells goals;
 };
+
+/// Writes the whole report of a file: summary, blocks unless only warnings are wanted, warnings.
+/// 0 for a sound level, 1 for one with warnings, 2 for a file that is no picture.
+int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out);

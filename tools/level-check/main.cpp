@@ -2,33 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
-
-namespace {
-
-constexpr int unreadable = 2;
-
-/// 0 for a sound level, 1 for one with warnings, 2 for a file that is no picture.
-int check(const std::string& file, bool onlyWarnings)
-{
-    const QImage picture(QString::fromStdString(file));
-    if (picture.isNull()) {
-        std::cout << file << ": this is no picture that I can read" << std::endl;
-        return unreadable;
-    }
-    const LevelReport report(picture);
-    std::cout << file << ": " << report.summary() << std::endl;
-    if (!onlyWarnings) {
-        for (const std::string& line : report.blocks())
-            std::cout << "  " << line << std::endl;
-    }
-    const std::vector<std::string> warnings = report.warnings();
-    for (const std::string& line : warnings)
-        std::cout << "  warning: " << line << std::endl;
-    return warnings.empty() ? 0 : 1;
-}
-
-}  // namespace
 
 // Tells the author of a level what the game makes of its picture.
 int main(int argc, char** argv)
@@ -45,6 +20,6 @@ int main(int argc, char** argv)
 
     int result = 0;
     for (const std::string& file : files)
-        result = std::max(result, check(file, quiet));
+        result = std::max(result, reportLevel(file, quiet, std::cout));
     return result;
 }
