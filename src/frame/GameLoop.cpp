@@ -3,6 +3,7 @@
 #include "game/GravlinApplication.h"
 #include "sound/FmodManager.h"
 
+#include <QThread>
 #include <fmod.hpp>
 #include <osg/FrameStamp>
 #include <osgViewer/ViewerBase>
@@ -39,12 +40,26 @@ GameLoop* GameLoop::instance()
 
 void GameLoop::lock()
 {
-    instance()->worldMutex.lock();
+    GameLoop* self = instance();
+    const Qt::HANDLE thread = QThread::currentThreadId();
+    // No other thread can make this one the owner, so that this needs no order.
+    if (self->worldOwner.load(std::memory_order_relaxed) == thread) {
+        self->worldMutex.lock();
+    } else {
+        self->turnstile.lock();
+        self->worldMutex.lock();
+        self->turnstile.unlock();
+        self->worldOwner.store(thread, std::memory_order_relaxed);
+    }
+    ++self->worldDepth;
 }
 
 void GameLoop::unlock()
 {
-    instance()->worldMutex.unlock();
+    GameLoop* self = instance();
+    if (--self->worldDepth == 0)
+        self->worldOwner.store(nullptr, std::memory_order_relaxed);
+    self->worldMutex.unlock();
 }
 
 void GameLoop::attach(GravlinApplication* application)

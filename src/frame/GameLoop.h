@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <atomic>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -30,6 +31,7 @@ public:
     static GameLoop* instance();
 
     /// The world lock: recursive, to be held by every thread while it touches scene, level or HUD.
+    /// Threads get it in turn: who waits for it goes before who had it last.
     static void lock();
     static void unlock();
 
@@ -77,6 +79,11 @@ private:
     QTimer timer;
     GravlinApplication* application = nullptr;
     QMutex worldMutex{QMutex::Recursive};
+    /// Held while waiting for the world. Without it a loop whose ticks leave no time between them
+    /// has the world back before the sensor's thread has woken up, again and again.
+    QMutex turnstile;
+    std::atomic<Qt::HANDLE> worldOwner{nullptr};
+    int worldDepth = 0;  ///< locks of the owner; guarded by worldMutex
     QMultiMap<double, Task*> intervalTasks;
     std::unordered_map<double, int> intervalCounts;
     std::unordered_set<Task*> frameTasks;

@@ -273,7 +273,14 @@ void Rollix::keyReleaseEvent(QKeyEvent* event)
     // A held key repeats as pairs of release and press: only the true release counts.
     if (event->isAutoRepeat())
         return;
+    // The sensor's thread may be at work on the same menu.
+    GameLoop::lock();
+    serveKey(event);
+    GameLoop::unlock();
+}
 
+void Rollix::serveKey(QKeyEvent* event)
+{
     if (pauseMenu->isVisible()) {
         pauseMenu->onKeyPress(event);
         if (!pauseMenu->isVisible())

@@ -88,6 +88,7 @@ private:
     void serveLevelAction();
     void applyKeyTorque();
     bool* keyFlag(int key);
+    void serveKey(QKeyEvent* event);
 
     void awaitRestPose(const Leap::Frame& frame);
     bool detectScreenTap(const Leap::Frame& frame);

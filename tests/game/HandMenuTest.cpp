@@ -6,6 +6,11 @@
 #include "level/Level.h"
 #include "support/OutputCapture.h"
 
+#include <osg/observer_ptr>
+
+#include <atomic>
+#include <thread>
+
 namespace {
 
 const char* const menuLines[] = {"Restart", "Next Level", "Previous Level", "Continue"};
@@ -47,9 +52,9 @@ public:
         sees({flatHand()}, {tap()});
         EXPECT_EQ(game.state, GameState::WaitingForRest);
         EXPECT_FALSE(GameLoop::isPaused());
-        const Level* const before = &level();
+        const osg::observer_ptr<Level> before(&level());
         sees({});
-        EXPECT_EQ(&level(), before) << "the sensor's thread changes no level";
+        EXPECT_TRUE(before.valid()) << "the sensor's thread changes no level";
         std::string said;
         {
             const OutputCapture output;
@@ -58,7 +63,7 @@ public:
         }
         EXPECT_EQ(said,
                   "reading level data/Rollix/level" + std::to_string(level().number) + ".png\n");
-        EXPECT_NE(&level(), before);
+        EXPECT_FALSE(before.valid());
         ticks();
         return level().number;
     }
@@ -150,12 +155,12 @@ TEST_F(HandMenuTest, GoesOnWithTheLevelByContinue)
 {
     opensPauseMenu();
     selects("Continue");
-    const Level* const before = &level();
+    const osg::observer_ptr<Level> before(&level());
     sees({flatHand()}, {tap()});
     expectLastFrame(GameState::PauseMenu, GameState::WaitingForRest);
     EXPECT_FALSE(GameLoop::isPaused());
     ticks(3);
-    EXPECT_EQ(&level(), before);
+    EXPECT_TRUE(before.valid());
     sees({flatHand()});
     EXPECT_EQ(game.state, GameState::Playing);
 }
@@ -253,6 +258,43 @@ TEST_F(HandMenuTest, TakesKeysAndGesturesInTurn)
     EXPECT_EQ(game.state, GameState::WaitingForRest);
     sees({flatHand()});
     expectLastFrame(GameState::WaitingForRest, GameState::Playing);
+}
+
+TEST_F(HandMenuTest, LetsAKeyWaitUntilTheOtherThreadIsDoneWithTheWorld)
+{
+    std::atomic<bool> locked{false};
+    bool shownMeanwhile = false;
+    std::thread other([&] {
+        GameLoop::lock();
+        locked = true;
+        shownMeanwhile = holdsWithin(100, [&] { return game.state != GameState::WaitingForRest; });
+        GameLoop::unlock();
+    });
+    while (!locked)
+        std::this_thread::yield();
+    releases(Qt::Key_Escape);
+    other.join();
+    EXPECT_FALSE(shownMeanwhile);
+    EXPECT_TRUE(game.pauseMenu->isVisible());
+}
+
+TEST_F(HandMenuTest, StandsKeysAndGesturesAtOnce)
+{
+    releases(Qt::Key_Escape);
+    sees({});
+    selects("Restart");
+    // A hundred steps of each, four lines: all of them together lead back.
+    constexpr int steps = 100;
+    std::int64_t last = 0;
+    for (int i = 0; i < steps; ++i) {
+        PlayedFrame frame = nextFrame({flatHand()});
+        frame.gestures = {circle(true)};
+        last = frame.id;
+        service.sendsText(frameMessage(frame));
+        releases(Qt::Key_Down);
+    }
+    EXPECT_TRUE(witness.waitsForFrame(last));
+    EXPECT_EQ(selectedLine(), "Restart");
 }
 
 TEST_F(HandMenuTest, IsWorkedByAFingerThatOnlyMoves)

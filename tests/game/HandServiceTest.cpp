@@ -1,0 +1,305 @@
+#include "HandGameTest.h"
+#include "frame/GameLoop.h"
+#include "game/Rollix.h"
+#include "hand/LeapManager.h"
+#include "hud/TextHUD.h"
+#include "level/Board.h"
+#include "level/Level.h"
+#include "support/OutputCapture.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+
+namespace {
+
+constexpr int generousLimit = 20000;  // ms
+constexpr int recoveryLimit = 4000;   // ms: the layer promises two seconds on a quiet machine
+constexpr int tickMilliseconds = 20;
+constexpr int floodSeconds = 10;
+constexpr long memoryLimit = 6000;  // kB; the frames of a flood are some 15 MB of text
+constexpr int ticksBetweenTurns = 10;
+constexpr float steep = 0.5f;  // radians of the hand
+
+long residentKilobytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    file.open(QIODevice::ReadOnly);
+    return file.readAll().split(' ').at(1).toLong() * 4;
+}
+
+/// All that goes to both outputs while it lives.
+class Silence
+{
+public:
+    Silence() { testing::internal::CaptureStderr(); }
+    ~Silence()
+    {
+        if (!ended)
+            ends();
+    }
+    std::string ends()
+    {
+        ended = true;
+        return output.text() + testing::internal::GetCapturedStderr();
+    }
+
+private:
+    OutputCapture output;
+    bool ended = false;
+};
+
+}  // namespace
+
+class HandServiceTest : public HandGameTest
+{
+public:
+    /// Ticks at the game's pace, counted for the sensor's thread.
+    void playsATick()
+    {
+        ++tickNumber;
+        ticks();
+        QCoreApplication::processEvents();
+        QThread::msleep(tickMilliseconds);
+    }
+
+    /// Whether the hand is in command again, within a time that leaves a loaded machine some air.
+    bool commandsAgainWithin(int milliseconds)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        const bool does = holdsWithin(milliseconds, [&] {
+            ticks();
+            return game.state == GameState::Playing && boardTurn().y() < -0.1;
+        });
+        RecordProperty("recovery", int(clock.elapsed()));
+        return does;
+    }
+
+    std::atomic<int> tickNumber{0};
+};
+
+TEST_F(HandServiceTest, IsHeardByAGameThatWasThereBefore)
+{
+    LeapManager::setListener(&game);
+    service.stops();
+    ASSERT_TRUE(holdsWithin(generousLimit, [&] { return service.clientCount() == 0; }));
+    ticks(5);
+    EXPECT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_FALSE(game.messageText->isVisible()) << "no frame, no prompt";
+    service.shows({flatHand()});
+    service.streams();
+    std::string said;
+    bool plays = false;
+    {
+        Silence silence;
+        ASSERT_TRUE(service.comesBack());
+        plays = holdsWithin(recoveryLimit, [&] {
+            ticks();
+            return game.state == GameState::Playing;
+        });
+        said = silence.ends();
+    }
+    EXPECT_TRUE(plays);
+    EXPECT_EQ(said, "");
+}
+
+TEST_F(HandServiceTest, MayComeAndGoInPlay)
+{
+    loads({"S"});
+    service.shows({flatHand()});
+    service.streams();
+    ASSERT_TRUE(holdsWithin(generousLimit, [&] { return game.state == GameState::Playing; }));
+    bool commands = false;
+    std::string said;
+    GameState gone = GameState::Initial;
+    osg::Vec3d kept;
+    {
+        Silence silence;
+        service.stops();
+        witness.forgets();
+        game.setAngularVelocity(board().getId(), osg::Vec3f(0.0f, 0.3f, 0.0f), true);
+        ticks(5);
+        gone = game.state;
+        kept = boardTurn();
+        service.shows({rolledHand(0.24f)});
+        service.comesBack();
+        commands = commandsAgainWithin(recoveryLimit);
+        said = silence.ends();
+    }
+    EXPECT_EQ(gone, GameState::Playing);
+    EXPECT_GT(kept.y(), 0.2) << "nobody stops the board";
+    EXPECT_TRUE(commands);
+    EXPECT_EQ(said, "");
+}
+
+TEST_F(HandServiceTest, LeavesTheGameToTheKeysWhenItIsGone)
+{
+    startsPlay();
+    std::string said;
+    {
+        Silence silence;
+        service.stops();
+        holds(Qt::Key_Right, 10);
+        said = silence.ends();
+    }
+    EXPECT_GT(tiltDegrees(), 2.0);
+    EXPECT_EQ(game.state, GameState::Playing);
+    EXPECT_EQ(said, "");
+    EXPECT_TRUE(service.comesBack());
+}
+
+TEST_F(HandServiceTest, HasItsNewestFrameWinWhileTheGameIsBusy)
+{
+    startsPlay();
+    witness.forgets();
+    constexpr int frames = 50;
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+    GameLoop::lock();
+    for (int i = 1; i <= frames; ++i) {
+        const float roll = i == frames ? 0.3f : -0.3f;
+        const PlayedFrame frame = nextFrame({rolledHand(roll)});
+        service.sendsText(frameMessage(frame));
+        if (i == 1) {
+            first = frame.id;
+            ASSERT_TRUE(
+                holdsWithin(generousLimit, [&] { return witness.newestArrived() == first; }));
+        }
+        last = frame.id;
+    }
+    const bool arrived =
+        holdsWithin(generousLimit, [&] { return witness.newestArrived() == last; });
+    EXPECT_TRUE(witness.served().empty()) << "a frame waits for the world lock";
+    GameLoop::unlock();
+    ASSERT_TRUE(arrived);
+    ASSERT_TRUE(witness.waitsForFrame(last));
+    // The one that was waiting at the lock and the newest: what lies between is out of date.
+    const std::vector<FrameWitness::Served> served = witness.served();
+    EXPECT_LE(served.size(), 2u);
+    EXPECT_NEAR(commandedTurn().y(), -0.6, 1e-3);
+}
+
+TEST_F(HandServiceTest, KeepsATapOfAFrameThatWasNeverServed)
+{
+    startsPlay();
+    GameLoop::lock();
+    std::int64_t last = 0;
+    for (int i = 0; i < 20; ++i) {
+        PlayedFrame frame = nextFrame({flatHand()});
+        if (i == 10)
+            frame.gestures = {tap()};
+        service.sendsText(frameMessage(frame));
+        last = frame.id;
+    }
+    const bool arrived =
+        holdsWithin(generousLimit, [&] { return witness.newestArrived() == last; });
+    GameLoop::unlock();
+    ASSERT_TRUE(arrived);
+    ASSERT_TRUE(witness.waitsForFrame(last));
+    EXPECT_EQ(game.state, GameState::PauseMenu);
+}
+
+TEST_F(HandServiceTest, MovesTheBoardWithinTwoTicksAndKeepsItsMemoryThroughAFlood)
+{
+    loads({"S"});
+    service.shows({flatHand()});
+    service.streams();
+    ASSERT_TRUE(holdsWithin(generousLimit, [&] { return game.state == GameState::Playing; }));
+    long memory = 0;
+    int turns = 0;
+    int slowest = 0;
+    float roll = steep;
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < floodSeconds * 1000) {
+        // A new pose, counted from the tick before which the game was told of it.
+        witness.forgets();
+        service.shows({rolledHand(roll)});
+        ASSERT_TRUE(witness.waitsForFrames(2));
+        int passed = 0;
+        do {
+            playsATick();
+            ++passed;
+        } while (boardTurn().y() * roll >= 0.0 && passed < ticksBetweenTurns);
+        slowest = std::max(slowest, passed);
+        for (int i = passed; i < ticksBetweenTurns; ++i)
+            playsATick();
+        putsBall({0.0, 0.0, 6.0});
+        roll = -roll;
+        if (++turns == 3)
+            memory = residentKilobytes();
+    }
+    EXPECT_EQ(game.state, GameState::Playing);
+    EXPECT_GT(turns, 10);
+    EXPECT_LE(slowest, 2);
+    EXPECT_LT(residentKilobytes() - memory, memoryLimit);
+}
+
+TEST_F(HandServiceTest, IsHeardBetweenTicksThatLeaveNoTime)
+{
+    // The drawing of a slow machine: the next tick is due before the last one is over.
+    service.shows({flatHand()});
+    service.streams();
+    ASSERT_TRUE(holdsWithin(generousLimit, [&] { return game.state == GameState::Playing; }));
+    GameLoop::Task draws = [] {
+        QThread::msleep(25);
+    };
+    GameLoop::addFrameTask(&draws);
+    constexpr int slowTicks = 60;
+    ticks();
+    witness.forgets();
+    for (int i = 0; i < slowTicks; ++i) {
+        ticks();
+        QCoreApplication::processEvents();
+    }
+    const std::size_t heard = witness.served().size();
+    GameLoop::removeFrameTask(&draws);
+    ticks();
+    EXPECT_GE(heard, std::size_t(slowTicks / 2)) << "frames in " << slowTicks << " ticks";
+}
+
+TEST_F(HandServiceTest, IsNotHeardAnyMoreWhenTheGameStopsListening)
+{
+    service.shows({flatHand()});
+    service.streams();
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(witness.waitsForFrames(3));
+        LeapManager::removeListener();
+        const std::size_t heard = witness.served().size();
+        QThread::msleep(15);
+        EXPECT_EQ(witness.served().size(), heard);
+        witness.forgets();
+        LeapManager::setListener(&witness);
+    }
+}
+
+TEST_F(HandServiceTest, EndsAfterTheFrameThatWaitsForTheWorldAndWithNoOther)
+{
+    startsPlay();
+    witness.forgets();
+    GameLoop::lock();
+    const PlayedFrame frame = nextFrame({rolledHand(0.3f)});
+    service.sendsText(frameMessage(frame));
+    const bool arrived =
+        holdsWithin(generousLimit, [&] { return witness.newestArrived() == frame.id; });
+    // As the sensor is closed, its last frame stands at the lock that this thread holds.
+    std::future<void> removed =
+        std::async(std::launch::async, [] { LeapManager::removeListener(); });
+    service.sendsText(frameMessage(nextFrame({rolledHand(-0.3f)})));
+    QThread::msleep(20);
+    const std::size_t servedWhileLocked = witness.served().size();
+    GameLoop::unlock();
+    ASSERT_TRUE(arrived);
+    ASSERT_EQ(removed.wait_for(std::chrono::milliseconds(generousLimit)),
+              std::future_status::ready);
+    EXPECT_EQ(servedWhileLocked, 0u);
+    const std::vector<FrameWitness::Served> served = witness.served();
+    QThread::msleep(20);
+    EXPECT_EQ(witness.served().size(), served.size());
+    EXPECT_LE(served.size(), 1u);
+}
