@@ -38,51 +38,39 @@ int rewards(int n)
 
 std::unordered_set<BlockCheckpoint*> BlockCheckpoint::allCheckpoints;
 
+BlockCheckpoint::Option BlockCheckpoint::Option::ofSaturation(int saturation)
+{
+    if (saturation >= 91)
+        return {Start, false, coinsOfFlag};
+    if (saturation >= 79)
+        return {Checkpoint, true, rewards(saturation - 80) * coinsOfFlag};
+    if (saturation >= 69)
+        return {Checkpoint, false, rewards(saturation - 70) * coinsOfFlag};
+    if (saturation >= 49)
+        return {Goal, false, rewards(saturation - 50) * coinsOfGoal};
+    return {Checkpoint, false, rewards(0) * coinsOfFlag};
+}
+
 BlockCheckpoint::BlockCheckpoint(Level& owner, float cellX, float cellY, int saturation, int value,
                                  BlockGroup& linkGroup)
     : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Checkpoint")
 {
     fixToBoard();
     allCheckpoints.insert(this);
-    decode(saturation);
+    const Option option = Option::ofSaturation(saturation);
+    type = option.type;
+    required = option.required;
+    coins = option.coins;
+    if (type == Start)
+        level->setStart(this);
+    else
+        createFlag();
     level->board->addContactShape(this, id);
 }
 
 BlockCheckpoint::~BlockCheckpoint()
 {
     allCheckpoints.erase(this);
-}
-
-void BlockCheckpoint::decode(int saturation)
-{
-    if (saturation >= 91)
-        level->setStart(this);
-    else if (saturation >= 79)
-        makeCheckpoint(true, saturation - 80);
-    else if (saturation >= 69)
-        makeCheckpoint(false, saturation - 70);
-    else if (saturation >= 49)
-        makeGoal(saturation - 50);
-    else
-        makeCheckpoint(false, 0);
-}
-
-void BlockCheckpoint::makeCheckpoint(bool mustBePassed, int n)
-{
-    type = Checkpoint;
-    required = mustBePassed;
-    coins = rewards(n) * coinsOfFlag;
-    createFlag();
-    flagGeode->getOrCreateStateSet()->addUniform(
-        new osg::Uniform("a_FlagColor", required ? requiredColor : optionalColor),
-        osg::StateAttribute::ON);
-}
-
-void BlockCheckpoint::makeGoal(int n)
-{
-    type = Goal;
-    coins = rewards(n) * coinsOfGoal;
-    createFlag();
 }
 
 void BlockCheckpoint::createFlag()
@@ -102,6 +90,10 @@ void BlockCheckpoint::createFlag()
     flagGeode = addDecoration(cloth);
     osg::StateSet* stateSet = flagGeode->getOrCreateStateSet();
     stateSet->addUniform(new osg::Uniform("a_FlagType", type), osg::StateAttribute::ON);
+    if (type == Checkpoint)
+        stateSet->addUniform(
+            new osg::Uniform("a_FlagColor", required ? requiredColor : optionalColor),
+            osg::StateAttribute::ON);
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
 
     flagShader = new ShaderProgram(flagGeode);

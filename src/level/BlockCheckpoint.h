@@ -15,6 +15,18 @@ class ShaderProgram;
 class BlockCheckpoint : public Block
 {
 public:
+    enum Type : int { Start = 0, Checkpoint = 1, Goal = 2 };
+
+    /// What a pixel's saturation makes of a checkpoint.
+    struct Option
+    {
+        Type type;
+        bool required;  // to be passed before the goal counts
+        int coins;
+
+        static Option ofSaturation(int saturation);
+    };
+
     BlockCheckpoint(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// A flag pays and sinks at its first touch and is where the ball comes back to; the goal ends
@@ -31,11 +43,6 @@ protected:
     ~BlockCheckpoint() override;
 
 private:
-    enum Type : int { Start = 0, Checkpoint = 1, Goal = 2 };
-
-    void decode(int saturation);
-    void makeCheckpoint(bool required, int n);
-    void makeGoal(int n);
     void createFlag();
     void createPole();
     void passFlag();

@@ -112,10 +112,15 @@ TEST_F(RollixTest, DropsTheOldLevelBeforeItMakesTheNewOne)
 {
     const osg::observer_ptr<Level> before = game.level.get();
     const std::size_t actors = GameInside::actorsOf(game).size();
-    game.loadLevel(0);
+    const std::size_t transforms = GameInside::transformsOf(game).size();
+    loads({"SRRRRG"});
     EXPECT_FALSE(before.valid());
+    EXPECT_GT(GameInside::transformsOf(game).size(), transforms);
+    game.loadLevel(0);
+    EXPECT_EQ(GameInside::actorsOf(game).size(), 3u + 6u);
+    loads({"S..", "...", "..."});
     EXPECT_EQ(GameInside::actorsOf(game).size(), actors);
-    EXPECT_EQ(GameInside::transformsOf(game).count(1000), 0u);
+    EXPECT_EQ(GameInside::transformsOf(game).size(), transforms);
 }
 
 TEST_F(RollixTest, OffersFourWaysOnInThePauseMenu)

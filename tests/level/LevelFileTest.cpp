@@ -147,18 +147,9 @@ TEST_F(LevelFileTest, MayBeOfAnySize)
 
 TEST_F(LevelFileTest, MayBeHuge)
 {
-    LevelPicture picture(300, 300);
-    int count = 0;
-    for (int row = 0; row < 300; row += 6) {
-        for (int column = 0; column < 300; column += 6) {
-            picture.set(column, row, cells::floor);
-            ++count;
-        }
-    }
-    picture.set(150, 150, cells::start);
-    loads(picture);
-    EXPECT_EQ(int(board().getBlocks().size()), count);
-    EXPECT_EQ(board().getBlocks().back()->x, 144.5f);
+    loads(LevelPicture(300, 300, cells::floor).set(150, 150, cells::start));
+    ASSERT_EQ(board().getBlocks().size(), 90000u);
+    EXPECT_EQ(board().getBlocks().back()->x, 149.5f);
     ticks(5);
     EXPECT_NEAR(ballPosition().x(), 0.5, 0.05);
 }

@@ -272,12 +272,12 @@ TEST_F(LevelTest, HasNothingToResetInGroundAndBoard)
 {
     putsBall(osg::Vec3d(0.0, 0.0, 200.0));
     holds(Qt::Key_Up, 20);
-    ASSERT_GT(tiltDegrees(), 10.0);
+    ASSERT_GT(tiltDegrees(), 3.0);
     OutputCapture output;
     level().ground->reset();
     static_cast<GameObject&>(board()).reset();
     ticks();
-    EXPECT_GT(tiltDegrees(), 10.0);
+    EXPECT_GT(tiltDegrees(), 3.0);
     EXPECT_EQ(output.text(), "");
 }
 

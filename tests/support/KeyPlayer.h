@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/LevelMap.h"
+#include "LevelMap.h"
 
 #include <Qt>
 #include <osg/Matrixd>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "LevelMap.h"
 #include "support/GameTest.h"
 #include "support/KeyPlayer.h"
-#include "support/LevelMap.h"
 #include "support/LevelSight.h"
 
 #include <functional>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <osg/Node>
 #include <osg/Uniform>
 
@@ -23,6 +24,6 @@ Value valueOf(osg::Uniform* uniform)
 {
     Value value = Value();
     if (!uniform || !uniform->get(value))
-        throw std::string("no such uniform");
+        ADD_FAILURE() << "no such uniform, or of another type";
     return value;
 }

@@ -39,7 +39,8 @@ public:
     bool contains(const CellPosition& cell) const;
 
     /// All cells that the condition holds for, in scan order.
-    std::vector<CellPosition> cellsWhere(const std::function<bool(const LevelPixel&)>& is) const;
+    using PixelTest = std::function<bool(const LevelPixel&)>;
+    std::vector<CellPosition> cellsWhere(const PixelTest& is) const;
 
     /// Says of a step between neighbours whether the ball may take it; asked of steps that the
     /// heights allow.

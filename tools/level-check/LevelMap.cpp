@@ -1,4 +1,4 @@
-#include "support/LevelMap.h"
+#include "LevelMap.h"
 
 #include "blocks/BlockElevator.h"
 #include "blocks/ItemOption.h"
@@ -70,8 +70,7 @@ bool LevelMap::contains(const CellPosition& cell) const
     return cell.column >= 0 && cell.column < columns && cell.row >= 0 && cell.row < rows;
 }
 
-std::vector<CellPosition>
-LevelMap::cellsWhere(const std::function<bool(const LevelPixel&)>& is) const
+std::vector<CellPosition> LevelMap::cellsWhere(const PixelTest& is) const
 {
     std::vector<CellPosition> found;
     for (int row = 0; row < rows; ++row) {

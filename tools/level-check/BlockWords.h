@@ -1,0 +1,12 @@
+#pragma once
+
+#include "level/LevelPixel.h"
+
+#include <string>
+
+/// The block of a pixel in words, with its option: "button, works once". Of every pixel that is not
+/// a hole; one of an unknown hue is "nothing".
+std::string blockInWords(const LevelPixel& pixel);
+
+/// Its height and slope: "0.5 high", "ramp from 0.5 to 1, rises to the right".
+std::string shapeInWords(const LevelPixel& pixel);
