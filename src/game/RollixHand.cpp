@@ -20,20 +20,6 @@ constexpr float restTolerance = 0.25f;  // radians between hand and board that s
 const osg::Vec3f boardDown(0.0f, 0.0f, -1.0f);
 const osg::Vec3f boardForward(0.0f, 1.0f, 0.0f);
 
-/// Where a hand points, in the world.
-struct HandDirections
-{
-    osg::Vec3f down;     // out of the palm, turned with the camera
-    osg::Vec3f forward;  // from palm to fingers, in the sensor's frame: it does not turn
-};
-
-HandDirections handDirections(const Leap::Hand& hand, float cameraAngle)
-{
-    const osg::Matrixd rotation =
-        osg::Matrixd::rotate(double(cameraAngle) + 3.141592653589793, osg::Vec3d(0.0, 0.0, 1.0));
-    return {rotation * toOsgVector(hand.palmNormal()), toOsgVector(hand.direction())};
-}
-
 }  // namespace
 
 void Rollix::onConnect(const Leap::Controller& controller)
@@ -79,7 +65,7 @@ void Rollix::awaitRestPose(const Leap::Frame& frame)
     GameLoop::lock();
     showMessage("Bring your hand in rest position.", osg::Vec4f(0.0f, 0.9f, 0.0f, 1.0f));
     if (!frame.hands().isEmpty()) {
-        const HandDirections hand = handDirections(frame.hands()[0], handCamera->angle());
+        const HandPose hand = handPose(frame.hands()[0], handCamera->angle());
         const osg::Vec3f error =
             alignmentRotation(actorTransforms[level->board->getId()], boardDown, hand.down,
                               boardForward, hand.forward, 0.0f);
@@ -111,7 +97,7 @@ void Rollix::applyHandTilt(const Leap::Frame& frame)
 {
     if (frame.hands().isEmpty())
         return;
-    const HandDirections hand = handDirections(frame.hands()[0], handCamera->angle());
+    const HandPose hand = handPose(frame.hands()[0], handCamera->angle());
     GameLoop::lock();
     const unsigned int boardId = level->board->getId();
     const osg::Vec3f rotation = alignmentRotation(actorTransforms[boardId], boardDown, hand.down,
