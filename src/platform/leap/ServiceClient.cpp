@@ -41,10 +41,8 @@ ServiceClient::ServiceClient(std::shared_ptr<Session> session_) : session(std::m
     connect(&deadline, &QTimer::timeout, this, &ServiceClient::reconnect);
     connect(&pulse, &QTimer::timeout, this, &ServiceClient::checkPulse);
 
-    session->whenGesturesChange([this] {
-        QMetaObject::invokeMethod(
-            this, [this] { sendGestures(); }, Qt::QueuedConnection);
-    });
+    session->whenGesturesChange(
+        [this] { QMetaObject::invokeMethod(this, "sendGestures", Qt::QueuedConnection); });
     // The service sends to one program at a time and does not tell who lost; so the focus is given
     // back with the window's, and taken again. Until a window was active nothing is given back:
     // without a window manager none may ever be.

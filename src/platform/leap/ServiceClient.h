@@ -18,6 +18,8 @@ namespace Leap {
 /// next attempt within two seconds, without a word: a player without a sensor is the usual case.
 class ServiceClient : public QObject
 {
+    Q_OBJECT
+
 public:
     explicit ServiceClient(std::shared_ptr<Session> session);
     ~ServiceClient() override;
@@ -27,7 +29,7 @@ private:
     void receive(const QString& text);
     void sendSettings();
     void sendSwitch(const char* name, bool on);
-    void sendGestures();
+    Q_INVOKABLE void sendGestures();
     void setFocus(bool focus);
     void checkPulse();
     void reconnect();
