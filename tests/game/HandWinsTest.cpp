@@ -1,11 +1,11 @@
 #include "HandGameTest.h"
+#include "LevelMap.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/MenuHUD.h"
 #include "level/Ball.h"
 #include "level/Level.h"
 #include "support/KeyPlayer.h"
-#include "support/LevelMap.h"
 
 #include <QImage>
 
