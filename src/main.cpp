@@ -24,7 +24,10 @@ int main(int argc, char** argv)
     new QApplication(argc, argv);
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);
+    // A hand may already be at work on the scene that this goes through.
+    GameLoop::lock();
     widget->addView(game);
+    GameLoop::unlock();
     widget->show();
     GameLoop::start(game);
     QApplication::exec();

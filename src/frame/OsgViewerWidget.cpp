@@ -1,5 +1,6 @@
 #include "frame/OsgViewerWidget.h"
 
+#include "frame/GameLoop.h"
 #include "frame/KeyListener.h"
 #include "frame/MouseListener.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
@@ -56,12 +57,17 @@ void OsgViewerWidget::addMouseListener(MouseListener* listener)
 
 void OsgViewerWidget::paintEvent(QPaintEvent*)
 {
+    // The sensor's thread may be at work on a menu: a resize lays out the same lines.
+    GameLoop::lock();
     frame(std::numeric_limits<double>::max());
+    GameLoop::unlock();
 }
 
 void OsgViewerWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (event->nativeScanCode() != 0)  // an event of a program's own making has none
+    // An event of a program's own making has no scan code. A key that repeats while shift comes
+    // down stays the key that was pressed.
+    if (event->nativeScanCode() != 0 && !event->isAutoRepeat())
         pressedKeys[event->nativeScanCode()] = event->key();
     osgQt::GLWidget::keyPressEvent(event);
     offer(keyListeners, &KeyListener::keyPressEvent, event);
@@ -76,13 +82,7 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
     const int pressedKey = scanCode != 0 ? pressedKeys.value(scanCode, event->key()) : event->key();
     if (!event->isAutoRepeat())
         pressedKeys.remove(scanCode);
-    if (pressedKey != event->key()) {
-        QKeyEvent release(QEvent::KeyRelease, pressedKey, event->modifiers());
-        offer(keyListeners, &KeyListener::keyReleaseEvent, &release);
-        event->setAccepted(release.isAccepted());
-        return;
-    }
-    if (event->key() == Qt::Key_F11) {
+    if (pressedKey == Qt::Key_F11) {
         // A key that is held down repeats; only its true release toggles.
         if (!event->isAutoRepeat()) {
             if (isFullScreen())
@@ -93,7 +93,10 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
         event->accept();
         return;
     }
-    offer(keyListeners, &KeyListener::keyReleaseEvent, event);
+    QKeyEvent release(QEvent::KeyRelease, pressedKey, event->modifiers(), event->text(),
+                      event->isAutoRepeat());
+    offer(keyListeners, &KeyListener::keyReleaseEvent, &release);
+    event->setAccepted(release.isAccepted());
 }
 
 void OsgViewerWidget::mousePressEvent(QMouseEvent* event)

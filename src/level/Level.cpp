@@ -139,10 +139,13 @@ void Level::showLives()
 
 void Level::changeLives(int delta, bool reset)
 {
+    // A mine's fuse burns down between two ticks, while the sensor's thread may show a menu.
+    GameLoop::lock();
     lives = std::clamp(lives + delta, 0, maximumLives);
     showLives();
     if (reset || lives == 0)
         restart(lives == 0);
+    GameLoop::unlock();
 }
 
 void Level::changeCoins(int delta)

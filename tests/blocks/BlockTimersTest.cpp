@@ -4,12 +4,17 @@
 #include "BlockTest.h"
 #include "blocks/BlockItem.h"
 #include "blocks/BlockTrap.h"
+#include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
 
 #include <QElapsedTimer>
+#include <QThread>
 #include <osg/NodeVisitor>
+
+#include <atomic>
+#include <thread>
 
 namespace {
 
@@ -123,6 +128,32 @@ TEST_F(BlockTimersTest, MineGoesThroughFuseBlastAndRestAndIsArmedAgain)
         comesTrueIn(again, fuse, fuse, [this] { return hasExploded(); });
         EXPECT_EQ(level().livesLeft(), 3);
     }
+}
+
+TEST_F(BlockTimersTest, MineWaitsWithItsHarmWhileAnotherThreadHasTheWorld)
+{
+    loadsTrap(90);
+    for (int life = 5; life > 1; --life)
+        level().changeLives(-1, false);
+    hoversAbove(block(), 1.0);
+    std::atomic<bool> locked{false};
+    bool changedMeanwhile = false;
+    std::thread other([&] {
+        GameLoop::lock();
+        locked = true;
+        QThread::msleep(200);
+        changedMeanwhile = level().livesLeft() != 1;
+        GameLoop::unlock();
+    });
+    while (!locked)
+        std::this_thread::yield();
+    // It has no fuse, so that it goes off here, as the others do from their timers: between two
+    // ticks.
+    touches(block());
+    other.join();
+    EXPECT_FALSE(changedMeanwhile);
+    EXPECT_EQ(level().livesLeft(), 5);
+    EXPECT_EQ(game.state, GameState::LevelFailed);
 }
 
 TEST_F(BlockTimersTest, RestingMineIsHarmless)

@@ -421,6 +421,23 @@ TEST_F(GameLoopTest, OnlyDrawsWhilePaused)
     EXPECT_NEAR(application->path() - path, 0.02f, 1e-5f) << "and makes up for nothing";
 }
 
+TEST_F(GameLoopTest, HoldsQueuedCommandsBackWhilePausedAndRunsAllOnResume)
+{
+    attach();
+    tick();
+    const float path = application->path();
+    GameLoop::pause();
+    application->setLinearVelocity(bodyId, osg::Vec3f(5.0f, 3.0f, 0.0f), true);
+    tick();
+    application->addForce(bodyId, osg::Vec3f(-3.0f, 0.0f, 0.0f),
+                          PhysxScene::forceModeVelocityChange, true);
+    tick();
+    EXPECT_EQ(application->path(), path);
+    GameLoop::resume();
+    tick();
+    EXPECT_NEAR(application->path() - path, 0.02f * 2.0f, 1e-4f);
+}
+
 TEST_F(GameLoopTest, SlowsTheWorldWhenTicksAreSlow)
 {
     GameLoop::Task dawdler = [] {

@@ -195,19 +195,28 @@ TEST_F(OsgViewerWidgetTest, TogglesFullScreenWhenF11IsReleased)
     EXPECT_EQ(first.heard, Names{"key press"}) << "no release of it is passed on";
 }
 
+namespace {
+
+class Keys : public KeyListener
+{
+public:
+    void keyPressEvent(QKeyEvent*) override {}
+    void keyReleaseEvent(QKeyEvent* event) override
+    {
+        released = event->key();
+        repeated = event->isAutoRepeat();
+        event->accept();
+    }
+    int released = 0;
+    bool repeated = false;
+};
+
+constexpr quint32 scanCode = 21;
+
+}  // namespace
+
 TEST_F(OsgViewerWidgetTest, ReleasesTheKeyThatWasPressed)
 {
-    class Keys : public Listener
-    {
-    public:
-        void keyReleaseEvent(QKeyEvent* event) override
-        {
-            released = event->key();
-            event->accept();
-        }
-        int released = 0;
-    };
-    constexpr quint32 scanCode = 21;
     Keys keys;
     widget->addKeyListener(&keys);
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Plus, Qt::ShiftModifier, scanCode, 0, 0);
@@ -219,6 +228,43 @@ TEST_F(OsgViewerWidgetTest, ReleasesTheKeyThatWasPressed)
     QKeyEvent another(QEvent::KeyRelease, Qt::Key_Equal, Qt::NoModifier, scanCode, 0, 0);
     sends(another);
     EXPECT_EQ(keys.released, Qt::Key_Equal) << "and is forgotten then";
+}
+
+TEST_F(OsgViewerWidgetTest, KeepsTheKeyThatWasPressedWhileItRepeats)
+{
+    Keys keys;
+    widget->addKeyListener(&keys);
+    const auto event = [](QEvent::Type type, Qt::Key key, bool repeated) {
+        return QKeyEvent(type, key, Qt::NoModifier, scanCode, 0, 0, QString(), repeated);
+    };
+    QKeyEvent press = event(QEvent::KeyPress, Qt::Key_Equal, false);
+    sends(press);
+    // Shift comes down meanwhile, and goes up again.
+    for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Equal}) {
+        QKeyEvent repeatedRelease = event(QEvent::KeyRelease, key, true);
+        sends(repeatedRelease);
+        EXPECT_EQ(keys.released, Qt::Key_Equal);
+        EXPECT_TRUE(keys.repeated) << "it is still held";
+        QKeyEvent repeatedPress = event(QEvent::KeyPress, key, true);
+        sends(repeatedPress);
+    }
+    QKeyEvent release = event(QEvent::KeyRelease, Qt::Key_Plus, false);
+    sends(release);
+    EXPECT_EQ(keys.released, Qt::Key_Equal);
+    EXPECT_FALSE(keys.repeated);
+}
+
+TEST_F(OsgViewerWidgetTest, FillsTheScreenByAnF11ThatIsReleasedUnderAnotherName)
+{
+    Keys keys;
+    widget->addKeyListener(&keys);
+    widget->show();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_F11, Qt::NoModifier, scanCode, 0, 0);
+    sends(press);
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_F9, Qt::NoModifier, scanCode, 0, 0);
+    EXPECT_TRUE(sends(release));
+    EXPECT_TRUE(widget->isFullScreen());
+    EXPECT_EQ(keys.released, 0);
 }
 
 TEST_F(OsgViewerWidgetTest, FeedsTheReleaseOfF11ToTheViewer)
