@@ -11,7 +11,7 @@ public:
     static LeapManager* instance();
 
     /// The listener stays the caller's. It takes the place of the one before, which gets no call
-    /// any more once this has returned.
+    /// any more once this has returned; for that one the same holds as for removeListener.
     static void setListener(Leap::Listener* listener);
 
     /// When this returns, no call to the listener is in progress and none will follow. The caller

@@ -10,7 +10,7 @@ namespace {
 constexpr float quarterTurn = 1.5707964f;   // pi/2
 constexpr float fullCircleProgress = 0.9f;  // turns; less is a wave of the finger
 
-// The finger points to the side from which the circle is seen clockwise.
+// Clockwise for the player: the normal lies on the side to which the finger points.
 bool isClockwise(const Leap::CircleGesture& circle)
 {
     return circle.pointable().direction().angleTo(circle.normal()) <= quarterTurn;

@@ -70,6 +70,7 @@ TEST(LeapManager, CallsNobodyAfterTheListenerIsRemoved)
     // A listener set later takes over although the pointer of the one before was kept.
     Counter next;
     LeapManager::setListener(&next);
+    EXPECT_EQ(listener.exits, 1) << "and it is not told again that it is over";
     EXPECT_TRUE(eventually([&] { return next.frames > 2; }));
     EXPECT_EQ(listener.frames, frames);
     LeapManager::removeListener();

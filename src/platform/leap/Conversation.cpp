@@ -16,6 +16,9 @@ constexpr int mostMalformed = 100;
 constexpr std::int64_t clockReset = 1000000;  // us backwards; less is a frame out of order
 constexpr std::size_t mostDrawing = 64;
 
+// Fingers point away from the player, more or less: enough to tell a circle's sense by.
+const Pointable unknownFinger(-1, Vector(0.0f, 0.0f, -1.0f));
+
 // The services of these generations recognise gestures; later ones may send an empty list for ever.
 bool recognizesGestures(const std::string& serviceVersion)
 {
@@ -79,10 +82,8 @@ Conversation::Verdict Conversation::acceptFrame(FrameData frame)
 
 void Conversation::completeGestures(FrameData& frame)
 {
-    if (!frame.gestures.empty()) {
-        serviceRecognizes = true;
-    }
     if (!serviceRecognizes) {
+        frame.gestures.clear();
         recognizer.recognize(frame);
         return;
     }
@@ -93,8 +94,15 @@ void Conversation::completeGestures(FrameData& frame)
         }
         if (gesture.state == Gesture::STATE_STOP) {
             drawing.erase(gesture.id);
-        } else if (drawing.size() < mostDrawing) {
+        } else {
             drawing[gesture.id] = gesture.pointable;
+        }
+        // The end of the oldest was lost, or it would not be here any more.
+        if (drawing.size() > mostDrawing) {
+            drawing.erase(drawing.begin());
+        }
+        if (!gesture.pointable.isValid()) {
+            gesture.pointable = unknownFinger;
         }
     }
 }

@@ -38,8 +38,8 @@ private:
     std::int64_t lastId = 0;
     std::int64_t lastTimestamp = 0;
 
-    /// Whose gestures count is decided for good at the first sign: both at once would report each
-    /// movement twice.
+    /// Whose gestures count is decided by the greeting: both at once would report each movement
+    /// twice.
     bool serviceRecognizes = false;
     GestureRecognizer recognizer;
     /// The fingers of the gestures that run, for the report that comes after the finger is lost.

@@ -13,7 +13,6 @@ struct HandData
     Vector palmPosition;
     Vector palmNormal;
     Vector direction;
-    Vector palmVelocity;  ///< mm/s; zero when the service does not tell
 };
 
 /// A finger as the service reports it.
@@ -23,7 +22,7 @@ struct PointableData
     std::int64_t handId = -1;  ///< may name no hand of the frame
     int finger = -1;           ///< 0 thumb to 4 little finger; -1 when the service does not tell
     bool extended = true;
-    Vector tipPosition;
+    Vector tipPosition;  ///< zero when the service tells nonsense
     Vector direction;
 };
 

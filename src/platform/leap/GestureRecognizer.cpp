@@ -18,7 +18,7 @@ const PointableData* indexFingerOf(const HandData& hand, const FrameData& frame)
     const auto found = std::find_if(
         frame.pointables.begin(), frame.pointables.end(), [&](const PointableData& pointable) {
             return pointable.handId == hand.id && pointable.finger == indexFinger &&
-                   pointable.extended;
+                   pointable.extended && !(pointable.tipPosition == Vector());
         });
     return found == frame.pointables.end() ? nullptr : &*found;
 }

@@ -15,7 +15,7 @@ namespace Leap {
 class GestureRecognizer
 {
 public:
-    /// Adds to the frame what its fingers have completed.
+    /// Adds to the frame what its fingers do.
     void recognize(FrameData& frame);
     void reset();
 

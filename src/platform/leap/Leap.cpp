@@ -147,9 +147,4 @@ std::int64_t Frame::id() const
     return data ? data->id : -1;
 }
 
-std::int64_t Frame::timestamp() const
-{
-    return data ? data->timestamp : 0;
-}
-
 }  // namespace Leap

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <memory>
 
@@ -152,7 +151,6 @@ public:
     explicit GestureList(std::shared_ptr<const FrameData> frame);
 
     int count() const;
-    bool isEmpty() const { return count() == 0; }
     /// An invalid gesture when the index is out of range.
     Gesture operator[](int index) const;
 
@@ -167,8 +165,6 @@ public:
     explicit Frame(std::shared_ptr<const FrameData> data);
 
     std::int64_t id() const;
-    /// Microseconds on the service's clock.
-    std::int64_t timestamp() const;
     HandList hands() const { return HandList(data); }
     /// Also holds the gestures of frames that were never delivered because newer ones came first:
     /// a tap lives in one frame only and would be lost with it.

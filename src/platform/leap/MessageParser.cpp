@@ -20,7 +20,6 @@ constexpr std::size_t mostHands = 8;
 constexpr std::size_t mostPointables = 64;
 constexpr std::size_t mostGestures = 64;
 constexpr double farthestPosition = 10000.0;         // mm
-constexpr double fastestSpeed = 100000.0;            // mm/s
 constexpr double largestWhole = 9007199254740992.0;  // 2^53: from here on doubles skip numbers
 constexpr float shortestDirection = 0.5f;
 constexpr float longestDirection = 1.5f;
@@ -91,7 +90,6 @@ std::optional<HandData> hand(const JsonValue& object)
     data.palmPosition = *position;
     data.palmNormal = *normal;
     data.direction = *fingers;
-    data.palmVelocity = vector(object["palmVelocity"], fastestSpeed).value_or(Vector());
     return data;
 }
 
@@ -122,14 +120,13 @@ void readPointables(const JsonValue& list, FrameData& frame,
         }
         const auto id = wholeNumber(object["id"]);
         const auto handId = wholeNumber(object["handId"]);
-        const auto tip = vector(object["tipPosition"], farthestPosition);
-        if (!id || !tip || (handId && droppedHands.count(*handId))) {
+        if (!id || (handId && droppedHands.count(*handId))) {
             continue;
         }
         PointableData data;
         data.id = *id;
         data.handId = handId.value_or(-1);
-        data.tipPosition = *tip;
+        data.tipPosition = vector(object["tipPosition"], farthestPosition).value_or(Vector());
         data.direction = direction(object["direction"]).value_or(Vector());
         data.extended = flag(object["extended"], true);
         const auto finger = wholeNumber(object["type"]);

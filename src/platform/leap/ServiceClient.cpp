@@ -22,8 +22,9 @@ constexpr int retryInterval = 500;  // ms
 constexpr int greetingTime = 1400;  // ms
 
 // A service that hangs is noticed by its silence, which alone means nothing: without a hand in view
-// it may send no frames. So it is asked once, and has as long again to answer.
-constexpr int pulseInterval = 600;  // ms
+// it may send no frames. So it is asked once, and has as long again to answer. Up to three
+// intervals pass until it is given up, and with the retry that is still under two seconds.
+constexpr int pulseInterval = 450;  // ms
 
 // More than one whole message, as the library reads the payload of a frame in one piece.
 constexpr qint64 readBuffer = 2 * longestMessage;
@@ -88,9 +89,8 @@ void ServiceClient::receive(const QString& text)
         break;
     case Conversation::Verdict::Greeted:
         deadline.stop();
-        pinged = false;
-        pulse.start();
         sendSettings();
+        listenForPulse();
         break;
     case Conversation::Verdict::Hopeless:
         reconnect();
@@ -130,6 +130,18 @@ void ServiceClient::setFocus(bool focus_)
     if (socket && conversation->isGreeted()) {
         sendSwitch("focused", focus);
         session->setFocused(focus);
+        listenForPulse();
+    }
+}
+
+// Without the focus silence is certain.
+void ServiceClient::listenForPulse()
+{
+    heard = true;
+    if (focus) {
+        pulse.start();
+    } else {
+        pulse.stop();
     }
 }
 

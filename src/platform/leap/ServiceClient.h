@@ -31,6 +31,7 @@ private:
     void sendSwitch(const char* name, bool on);
     Q_INVOKABLE void sendGestures();
     void setFocus(bool focus);
+    void listenForPulse();
     void checkPulse();
     void reconnect();
     void dropSocket();

@@ -81,8 +81,10 @@ void Session::disconnected()
     const Lock lock(mutex);
     connection = 0;
     focused = false;
-    newest = nullptr;
     markAllServed();
+    if (newest) {
+        publishNewest(FrameData());
+    }
     changed.notify_all();
 }
 
@@ -103,11 +105,7 @@ void Session::publish(FrameData frame)
                                   }),
                    gestures.end());
     keepGestures(frame);
-    newest = std::make_shared<const FrameData>(std::move(frame));
-    ++newestNumber;
-    if (entries.empty()) {
-        markAllServed();
-    }
+    publishNewest(std::move(frame));
     changed.notify_all();
 }
 
@@ -211,6 +209,15 @@ void Session::call(Lock& lock, Listener& listener, Callback callback, const Cont
     lock.lock();
     inCall = nullptr;
     changed.notify_all();
+}
+
+void Session::publishNewest(FrameData frame)
+{
+    newest = std::make_shared<const FrameData>(std::move(frame));
+    ++newestNumber;
+    if (entries.empty()) {
+        markAllServed();
+    }
 }
 
 // Whatever waits in the mailbox is not delivered any more.

@@ -35,7 +35,7 @@ public:
     // For the socket's thread.
 
     void connected();
-    /// Forgets the newest frame, so that no hand outlives its service.
+    /// Publishes an empty frame after the others, so that no hand outlives its service.
     void disconnected();
     void setFocused(bool focused);
     void publish(FrameData frame);
@@ -70,6 +70,7 @@ private:
     void call(Lock& lock, Listener& listener, Callback callback, const Controller& controller);
     bool onServingThread() const;
     void keepGestures(FrameData& frame) const;
+    void publishNewest(FrameData frame);
     void markAllServed();
 
     mutable std::mutex mutex;

@@ -206,6 +206,16 @@ TEST(MessageParser, DropsTheFingersOfADroppedHandAndKeepsThoseOfNobody)
     EXPECT_EQ(message.frame.pointables[0].id, 80);
 }
 
+TEST(MessageParser, KeepsAFingerWhosePlaceIsNonsense)
+{
+    const Message message =
+        parseMessage(frameOf("[]", ",\"pointables\":[{\"id\":1,\"direction\":[0,0,-1],"
+                                   "\"tipPosition\":[0,\"a\",0]}]"));
+    ASSERT_EQ(message.frame.pointables.size(), 1u);
+    EXPECT_EQ(message.frame.pointables[0].tipPosition, Leap::Vector());
+    EXPECT_EQ(message.frame.pointables[0].direction, Leap::Vector(0, 0, -1));
+}
+
 TEST(MessageParser, BringsDirectionsToUnitLength)
 {
     const Message message = parseMessage(frameWithHand("palmNormal", "[0,-0.6,-0.8e0]"));
