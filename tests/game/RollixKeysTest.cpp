@@ -325,4 +325,30 @@ TEST_F(RollixKeysTest, AreAllThatCountsBesidesTheHand)
     EXPECT_LT(tiltDegrees(), 0.1);
 }
 
+TEST_F(RollixKeysTest, LetsTheMouseMoveTheCameraUntilItsNextMove)
+{
+    const auto eye = [this] {
+        osg::Vec3d position;
+        osg::Vec3d center;
+        osg::Vec3d up;
+        game.getCamera()->getViewMatrixAsLookAt(position, center, up);
+        return position;
+    };
+    const auto drags = [this](QEvent::Type type, const QPointF& to) {
+        QMouseEvent event(type, to, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&widget, &event);
+        ticks();
+    };
+    game.handCamera->updateView();
+    ticks();
+    const osg::Vec3d before = eye();
+    drags(QEvent::MouseButtonPress, QPointF(300, 300));
+    drags(QEvent::MouseMove, QPointF(360, 330));
+    EXPECT_GT((eye() - before).length(), 1.0);
+    drags(QEvent::MouseButtonRelease, QPointF(360, 330));
+    game.handCamera->updateView();
+    ticks();
+    EXPECT_NEAR((eye() - before).length(), 0.0, 1e-3);
+}
+
 }  // namespace

@@ -1,9 +1,13 @@
 #include "program/ProgramWindow.h"
 #include "support/LevelPicture.h"
+#ifdef LEAP_IS_OWN
+#include "support/SensorService.h"
+#endif
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
@@ -200,6 +204,40 @@ TEST_F(ProgramTest, IsPlayedByKeysAndEndsWhenItsWindowIsClosed)
                "reading level data/Rollix/level0.png", "reading level data/Rollix/level1.png",
                "reading level data/Rollix/level0.png", "reading level data/Rollix/level-1.png"}));
 }
+
+#ifdef LEAP_IS_OWN
+TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
+{
+    constexpr quint16 servicePort = 6437;
+    if (!QTcpServer().listen(QHostAddress::LocalHost, servicePort))
+        GTEST_SKIP() << "this machine has a sensor service of its own";
+    SensorServer::Behaviour behaviour;
+    behaviour.framesPerSecond = 100;
+    SensorService service(behaviour, servicePort);
+    service.shows({PlayedHand()});
+    service.streams();
+    brings();
+    paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+    starts();
+    Sight sight;
+    ASSERT_TRUE(waitsFor([&] {
+        sight = lookAt(window.image());
+        return sight.red > 50 && sight.red < 2000;
+    }));
+    const double before = sight.redX;
+    PlayedHand tilted;
+    tilted.roll = -0.24f;
+    service.shows({tilted});
+    EXPECT_TRUE(waitsFor([&] {
+        sight = lookAt(window.image());
+        return sight.red > 30 && sight.redX > before + 30.0;
+    })) << "the ball rolls to the right: from "
+        << before << " to " << sight.redX;
+    closes();
+    EXPECT_TRUE(waitsFor([&] { return service.clientCount() == 0; }));
+    EXPECT_EQ(lines().front(), "reading level data/Rollix/level0.png");
+}
+#endif
 
 TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 {

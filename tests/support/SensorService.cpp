@@ -15,14 +15,14 @@ constexpr quint16 deadPort = 1;
 
 }  // namespace
 
-SensorService::SensorService(const SensorServer::Behaviour& behaviour)
+SensorService::SensorService(const SensorServer::Behaviour& behaviour, quint16 port)
 {
     server = std::make_unique<SensorServer>(behaviour);
     server->moveToThread(&thread);
     thread.start();
-    onServer([this](SensorServer& service) {
-        if (!service.listen(0)) {
-            qFatal("no free port for the sensor service");
+    onServer([this, port](SensorServer& service) {
+        if (!service.listen(port)) {
+            qFatal("no port for the sensor service");
         }
         servedPort = service.port();
     });

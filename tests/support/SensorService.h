@@ -8,13 +8,16 @@
 #include <memory>
 #include <vector>
 
-/// A tracking service on a free port of this machine, on a thread of its own, so that a test may
-/// block. While it lives, every controller of the process finds it; afterwards they find none.
+/// A tracking service on a port of this machine, a free one unless told otherwise, on a thread of
+/// its own, so that a test may block. While it lives, every controller of the process finds it;
+/// afterwards they find none.
 class SensorService
 {
 public:
+    static constexpr quint16 anyPort = 0;
+
     SensorService() : SensorService(SensorServer::Behaviour()) {}
-    explicit SensorService(const SensorServer::Behaviour& behaviour);
+    explicit SensorService(const SensorServer::Behaviour& behaviour, quint16 port = anyPort);
     ~SensorService();
     SensorService(const SensorService&) = delete;
     SensorService& operator=(const SensorService&) = delete;
