@@ -14,6 +14,7 @@ testPackages=(
     clang-format-14 faketime git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool
     xvfb
 )
+longTestPackages=(clang)
 
 say() { echo "$command: $*"; }
 
