@@ -104,6 +104,8 @@ QImage benchLevel(int argument)
 
 void load(const QImage& picture)
 {
+    // Brings the folder that "data" is in: before, it would be the checkout's own.
+    Rollix& game = *GameWorld::instance().game;
     picture.save(QString("data/Rollix/level%1.png").arg(levelNumber));
-    GameWorld::instance().game->loadLevel(levelNumber);
+    game.loadLevel(levelNumber);
 }
