@@ -17,13 +17,6 @@ float easeInOut(float t)
     return t * t * (3.0 - 2.0 * t);
 }
 
-// Starts at full speed and comes to rest.
-float easeOut(float t)
-{
-    float rest = 1.0 - t;
-    return 1.0 - rest * rest * rest;
-}
-
 // Comes to rest after going a little too far, like something that snaps in.
 float easeOutBack(float t)
 {

@@ -97,6 +97,7 @@ void BlockElevator::toggle()
 {
     timer.stop();
     direction = -direction;
+    // Acts at once, even inside a physics event: a limit is no more than data of the joint.
     game()->setD6Motion(driveJointId, verticalAxis, motionLimited,
                         float(std::abs(way.travel * 0.5)), contactDistance);
     // Half the way past the stop, so that the drive always presses against it. The target is the

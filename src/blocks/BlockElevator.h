@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <QTimer>
-#include <osg/Vec3d>
 
 #include <functional>
 

@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr unsigned int motionDynamic = 0;
-constexpr unsigned int motionWithoutGravity = 1;
 constexpr int restMilliseconds = 10000;
 constexpr double millisecondsPerSecond = 1000.0;
 
@@ -149,7 +147,7 @@ void BlockItem::onBallContact(Ball*)
         startTimer(restMilliseconds, &BlockItem::reset);
         break;
     case ItemKind::Weight:
-        setBallMotion(motionWithoutGravity);
+        setBallMotion(PhysxScene::motionWithoutGravity);
         startTimer(int(amount * millisecondsPerSecond), &BlockItem::endWeight);
         break;
     }
@@ -157,7 +155,7 @@ void BlockItem::onBallContact(Ball*)
 
 void BlockItem::endWeight()
 {
-    setBallMotion(motionDynamic);
+    setBallMotion(PhysxScene::motionDynamic);
     startTimer(restMilliseconds, &BlockItem::reset);
 }
 
@@ -170,7 +168,7 @@ void BlockItem::reset()
 {
     timer.stop();
     if (kind == ItemKind::Weight)
-        setBallMotion(motionDynamic);
+        setBallMotion(PhysxScene::motionDynamic);
     collected = false;
 }
 

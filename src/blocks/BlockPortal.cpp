@@ -12,13 +12,10 @@
 #include <osg/ShapeDrawable>
 #include <osg/observer_ptr>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
-
-constexpr unsigned int motionDynamic = 0;
-constexpr unsigned int motionWithoutGravity = 1;
-constexpr unsigned int forceModeForce = 0;
 
 constexpr float pullDepth = 0.5f;  // of the point that pulls, behind the mouth
 constexpr float sendPush = 3.0f;
@@ -158,7 +155,8 @@ void BlockPortal::attractBall()
     const osg::Vec3d ball = positionOf(level->ball->getTransform());
     const osg::Vec3d goal =
         osg::Vec3d(mouthCenter + direction * pullDepth) * transform->getMatrix();
-    game()->addForce(level->ball->getId(), (goal - ball) * strength, forceModeForce, true);
+    game()->addForce(level->ball->getId(), (goal - ball) * strength, PhysxScene::forceModeForce,
+                     true);
 }
 
 BlockPortal* BlockPortal::pickReceiver() const
@@ -173,7 +171,7 @@ BlockPortal* BlockPortal::pickReceiver() const
         return nullptr;
     // Draws beyond the last whole bucket are thrown away, which keeps all candidates equally
     // likely.
-    const int bucket = drawRange / int(candidates.size());
+    const int bucket = std::max(1, drawRange / int(candidates.size()));
     std::size_t index;
     do
         index = std::size_t(random15() / bucket);
@@ -187,7 +185,7 @@ void BlockPortal::activate()
     if (!receiver)
         return;
     state = Sending;
-    game()->setMotion(level->ball->getId(), motionWithoutGravity);
+    game()->setMotion(level->ball->getId(), PhysxScene::motionWithoutGravity);
     pushBall(direction * sendPush);
     showCrossing();
     receiver->state = Receiving;
@@ -243,7 +241,7 @@ void BlockPortal::releaseBall()
 void BlockPortal::reset()
 {
     game()->setCollisionEnabled(id, true);
-    game()->setMotion(level->ball->getId(), motionDynamic);
+    game()->setMotion(level->ball->getId(), PhysxScene::motionDynamic);
     ballState()->getUniform("a_PortalActive")->set(false);
     receiver = nullptr;
     if (state != Idle)
@@ -254,7 +252,7 @@ void BlockPortal::reset()
 void BlockPortal::pushBall(const osg::Vec3f& localForce)
 {
     game()->addForce(level->ball->getId(), transform->getMatrix().getRotate() * localForce,
-                     forceModeForce, true);
+                     PhysxScene::forceModeForce, true);
 }
 
 osg::StateSet* BlockPortal::ballState() const

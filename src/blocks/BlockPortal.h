@@ -22,7 +22,7 @@ class ShaderProgram;
 class BlockPortal : public Block
 {
 public:
-    enum State : int {
+    enum PortalState : int {
         Idle = 0,
         Attracting = 1,  // the ball is near: not solid, the mouth pulls
         Sending = 2,     // the ball floats in; waits until it has passed the mouth
@@ -39,7 +39,7 @@ public:
     void onBallEnter(Ball* ball) override;
     void onBallLeave(Ball* ball) override;
 
-    State getState() const { return state; }
+    PortalState getState() const { return state; }
 
 protected:
     ~BlockPortal() override;
@@ -66,7 +66,7 @@ private:
     osg::StateSet* ballState() const;
 
     const PortalFace orientation;
-    State state = Idle;
+    PortalState state = Idle;
     BlockPortal* receiver = nullptr;  // not owned; null outside a crossing
     const float strength;
     osg::Vec3f mouthCenter;

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr unsigned int forceModeForce = 0;
 constexpr int restMilliseconds = 10000;
 constexpr double millisecondsPerSecond = 1000.0;
 
@@ -147,7 +146,7 @@ osg::Vec3d BlockTrap::wayToBall() const
 
 void BlockTrap::pushBall(const osg::Vec3f& force)
 {
-    game()->addForce(level->ball->getId(), force, forceModeForce, true);
+    game()->addForce(level->ball->getId(), force, PhysxScene::forceModeForce, true);
 }
 
 void BlockTrap::createMine()

@@ -5,6 +5,8 @@
 
 #include <QObject>
 #include <QTimer>
+#include <osg/Vec3d>
+#include <osg/Vec3f>
 #include <osg/ref_ptr>
 
 #include <functional>

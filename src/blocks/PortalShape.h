@@ -35,7 +35,7 @@ struct CornerHeights
 struct PortalShape
 {
     osg::ref_ptr<osg::Vec3Array> innerHull;  // the block, a tenth smaller all round
-    osg::ref_ptr<osg::Vec3Array> outerHull;  // from behind the mouth outward
+    osg::ref_ptr<osg::Vec3Array> outerHull;  // from the mouth's plane outward
     osg::Vec3f mouthCenter;
 
     PortalShape(PortalFace face, const CornerHeights& corners, float height);

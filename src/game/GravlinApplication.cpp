@@ -25,7 +25,7 @@ void GravlinApplication::syncTransforms()
         const auto entry = actorTransforms.find(id);
         if (entry == actorTransforms.end() || !entry->second)
             continue;
-        entry->second->setMatrix(toOsgMatrix(physx::PxMat44(actor->getGlobalPose())));
+        entry->second->setMatrix(toOsgMatrix(actor->getGlobalPose()));
     }
 }
 

@@ -22,7 +22,6 @@ namespace {
 
 constexpr float secondsPerTick = 0.033333335f;  // 1/30
 constexpr int hitSounds = 8;
-constexpr unsigned int forceModeVelocityChange = 2;
 
 // The camera's circle around the board, in world units and radians.
 constexpr float cameraHeight = 30.0f;

@@ -15,8 +15,6 @@ namespace {
 
 constexpr float radius = 0.3f;
 constexpr double density = 1.0;
-constexpr unsigned int motionDynamic = 0;
-constexpr unsigned int forceModeForce = 0;
 constexpr float startHeight = 0.5f;  // of the centre over its checkpoint's top
 
 const osg::Vec4f red(0.9f, 0.1f, 0.1f, 1.0f);
@@ -72,7 +70,8 @@ void Ball::createShader()
 
 void Ball::createActor()
 {
-    game()->createSphere(id, radius, density, "holz", motionDynamic, ballGroup, ballMask);
+    game()->createSphere(id, radius, density, "holz", PhysxScene::motionDynamic, ballGroup,
+                         ballMask);
     game()->setCcdEnabled(id, true);
     game()->setPose(id, transform->getMatrix());
 }
@@ -84,7 +83,7 @@ void Ball::reset()
         return;
     game()->setPose(id, osg::Matrixd::translate(checkpoint->x, checkpoint->y,
                                                 checkpoint->height + startHeight));
-    game()->clearForce(id, forceModeForce);
+    game()->clearForce(id, PhysxScene::forceModeForce);
     game()->setLinearVelocity(id, atRest, true);
     game()->setAngularVelocity(id, atRest, true);
 }

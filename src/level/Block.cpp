@@ -12,7 +12,6 @@
 namespace {
 
 constexpr double density = 1.0;
-constexpr unsigned int motionWithoutGravity = 1;
 
 /// The eight corners of a ramp that stands on the board surface under its low edge too: for each
 /// corner of the cell the lower and then the upper one.
@@ -99,8 +98,8 @@ void Block::createRamp(float low, float high, int direction, bool dynamic, std::
     osg::ref_ptr<osg::Geometry> geometry = rampGeometry(vertices);
     if (dynamic) {
         createOwnTransform(geometry, shaderGroup);
-        game()->createConvex(id, vertices, density, "holz", motionWithoutGravity, boardGroup,
-                             boardMask);
+        game()->createConvex(id, vertices, density, "holz", PhysxScene::motionWithoutGravity,
+                             boardGroup, boardMask);
         game()->setFamily(id, boardFamily);
         game()->setPose(id, transform->getMatrix());
     } else {
@@ -122,7 +121,8 @@ void Block::createCuboid(float top, bool dynamic, std::string shaderGroup)
         new osg::ShapeDrawable(new osg::Box(center, size.x(), size.y(), size.z()));
     if (dynamic) {
         createOwnTransform(box, shaderGroup);
-        game()->createBox(id, size, density, "holz", motionWithoutGravity, boardGroup, boardMask);
+        game()->createBox(id, size, density, "holz", PhysxScene::motionWithoutGravity, boardGroup,
+                          boardMask);
         game()->setFamily(id, boardFamily);
         game()->setPose(id, transform->getMatrix());
     } else {

@@ -18,7 +18,7 @@ namespace {
 constexpr float capRadius = 0.5f;
 constexpr float capHeight = 0.3f;
 const osg::Vec3f raised(0.0f, 0.0f, 0.0f);
-const osg::Vec3f sunk(0.0f, 0.0f, -0.14f);  // a hundredth of the cap stays over the block
+const osg::Vec3f sunk(0.0f, 0.0f, -0.14f);  // 0.01 of the cap stays over the block
 constexpr float animationSeconds = 0.5f;
 
 const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);

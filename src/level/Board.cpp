@@ -26,9 +26,7 @@
 
 namespace {
 
-constexpr unsigned int motionWithoutGravity = 1;
 constexpr double density = 1.0;
-constexpr unsigned int world = 0xFFFFFFFF;
 
 constexpr double quarterTurn = 1.5707963267948966;
 constexpr float coneAngle = 0.5235988f;  // pi/6, the board's limit of tilt
@@ -50,10 +48,8 @@ const osg::Vec4f guideColor(0.0f, 9.0f, 0.0f, 0.3f);  // over 1: as green as it 
 constexpr float audibleImpulse = 0.01f;
 constexpr float volumePerImpulse = 2.0f;
 
-constexpr int smallestBodyValue = 57;
-
 template <typename T>
-T* createBlockOf(Level& level, float x, float y, int saturation, int value, BlockGroup& group)
+T* createBlock(Level& level, float x, float y, int saturation, int value, BlockGroup& group)
 {
     return new T(level, x, y, saturation, value, group);
 }
@@ -65,21 +61,21 @@ BlockFactory factoryOf(BlockKind kind)
 {
     switch (kind) {
     case BlockKind::Standard:
-        return createBlockOf<BlockStandard>;
+        return createBlock<BlockStandard>;
     case BlockKind::Checkpoint:
-        return createBlockOf<BlockCheckpoint>;
+        return createBlock<BlockCheckpoint>;
     case BlockKind::Button:
-        return createBlockOf<BlockButton>;
+        return createBlock<BlockButton>;
     case BlockKind::Ghost:
-        return createBlockOf<BlockGhost>;
+        return createBlock<BlockGhost>;
     case BlockKind::Elevator:
-        return createBlockOf<BlockElevator>;
+        return createBlock<BlockElevator>;
     case BlockKind::Trap:
-        return createBlockOf<BlockTrap>;
+        return createBlock<BlockTrap>;
     case BlockKind::Item:
-        return createBlockOf<BlockItem>;
+        return createBlock<BlockItem>;
     case BlockKind::Portal:
-        return createBlockOf<BlockPortal>;
+        return createBlock<BlockPortal>;
     default:
         return BlockFactory();
     }
@@ -121,7 +117,7 @@ void Board::createBody()
 {
     root = new osg::Group;
     geode = new osg::Geode;
-    game()->createActor(id, motionWithoutGravity);
+    game()->createActor(id, PhysxScene::motionWithoutGravity);
     transform = new osg::MatrixTransform;
     transform->addChild(geode);
     game()->setActorTransform(id, transform);
@@ -152,7 +148,7 @@ void Board::createBlocks(const QImage& image)
             const osg::Vec2f position((float(column) - float(width) * 0.5f) + 0.5f,
                                       (float(height) * 0.5f - float(row)) - 0.5f);
             BlockGroup& group = groups[pixel.alpha];
-            if (Block* block = createBlock(pixel, column, row, position, group)) {
+            if (Block* block = blockOfPixel(pixel, column, row, position, group)) {
                 blocks.push_back(block);
                 group.push_back(block);
             }
@@ -160,20 +156,19 @@ void Board::createBlocks(const QImage& image)
     }
 }
 
-Block* Board::createBlock(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                          BlockGroup& group)
+Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
+                           BlockGroup& group)
 {
     const BlockKind kind = blockKindOfHue(pixel.hue);
     const BlockFactory create = factoryOf(kind);
     if (!create)
         return nullptr;
-    if (kind != BlockKind::Standard && pixel.value < smallestBodyValue) {
+    if (kind != BlockKind::Standard && pixel.value < firstBodyValue) {
         // Every other kind needs a body to hang its parts on.
         std::cout << "I cannot build the block of " << level->pictureFile << " at column " << column
                   << ", row " << row << ": it has hue " << pixel.hue << ", saturation "
                   << pixel.saturation << ", value " << pixel.value << ", alpha " << pixel.alpha
-                  << ", and a value under " << smallestBodyValue << " gives it no body."
-                  << std::endl;
+                  << ", and a value under " << firstBodyValue << " gives it no body." << std::endl;
         return nullptr;
     }
     return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
@@ -212,7 +207,7 @@ void Board::hang()
     // The joint's x axis is the axis of its cone; the rotation makes it the world's vertical.
     const osg::Matrixd upright = osg::Matrixd::rotate(quarterTurn, osg::Vec3d(0.0, 1.0, 0.0));
     const unsigned int pivot = game()->nextId();
-    game()->createSphericalJoint(pivot, id, upright, world, upright);
+    game()->createSphericalJoint(pivot, id, upright, PhysxScene::world, upright);
     game()->setSphericalLimit(pivot, coneAngle, coneAngle, coneContactDistance);
     game()->setMaxAngularVelocity(id, maximumTurn);
 
@@ -220,7 +215,7 @@ void Board::hang()
         for (const double x : {-cornerDistance, cornerDistance}) {
             const osg::Matrixd corner = osg::Matrixd::translate(x, y, 0.0);
             const unsigned int joint = game()->nextId();
-            game()->createDistanceJoint(joint, id, corner, world, corner);
+            game()->createDistanceJoint(joint, id, corner, PhysxScene::world, corner);
             game()->setDistanceLimit(joint, cornerMinimum, cornerMaximum, cornerTolerance,
                                      cornerStiffness);
         }

@@ -64,14 +64,18 @@ public:
     /// Id of the guide plate's transform; no actor has it.
     unsigned int guideId = 0;
 
+protected:
+    ~Board() override = default;
+
 private:
     class SynchronizerCallback;
 
     void createBody();
     void createShader();
     void createBlocks(const QImage& image);
-    Block* createBlock(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                       BlockGroup& group);
+    /// Null, after a complaint where there is one to make, for a pixel that names no block.
+    Block* blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
+                        BlockGroup& group);
     void mergeStaticBlocks(int columns, int rows);
     void finishBody();
     void hang();

@@ -17,6 +17,9 @@ public:
     /// Costs a life. Inside the physics step; every report counts, there is no guard.
     void hitByBall(Ball* ball);
 
+protected:
+    ~Ground() override = default;
+
 private:
     osg::ref_ptr<osg::Geode> geode;
 };

@@ -5,7 +5,6 @@
 namespace {
 
 constexpr float levelHeight = 0.5f;  // one level of the board, in world units
-constexpr int firstBodyValue = 57;
 
 struct HueRange
 {

@@ -33,10 +33,13 @@ BlockKind blockKindOfHue(int hue);
 /// The slope of a block without one. Ramps have 0 to 3: the high edge towards -y, +x, +y, -x.
 constexpr int flatSlope = 4;
 
+/// The smallest value that gives a block a body.
+constexpr int firstBodyValue = 57;
+
 /// What a pixel's value says of a block's body. Heights are in world units above the board.
 struct BlockShape
 {
-    bool hasBody;  // false under value 57: nothing to see and nothing to hit
+    bool hasBody;  // false under firstBodyValue: nothing to see and nothing to hit
     float lowHeight;
     float highHeight;
     int slope;

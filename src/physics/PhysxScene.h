@@ -38,6 +38,15 @@ public:
     /// Stands for the world as a partner of a joint: an id that no actor bears.
     static constexpr unsigned int world = 0xFFFFFFFFu;
 
+    /// How an actor moves.
+    static constexpr unsigned int motionDynamic = 0;
+    static constexpr unsigned int motionWithoutGravity = 1;
+    static constexpr unsigned int motionKinematic = 2;
+
+    /// What a force or a torque means, in PhysX's numbers.
+    static constexpr unsigned int forceModeForce = 0;           // mass times world units a second^2
+    static constexpr unsigned int forceModeVelocityChange = 2;  // world units or radians a second
+
     PhysxScene();
 
     /// Was the contact one of these two actors, in either order? An unknown id was not in it.
@@ -150,7 +159,7 @@ public:
     bool createD6Joint(unsigned int jointId, unsigned int actorA, const osg::Matrixd& frameA,
                        unsigned int actorB, const osg::Matrixd& frameB);
 
-    /// The id is free at once, the joint holds until the next step.
+    /// Queued: the id is free at once, the joint holds until the next step.
     void removeJoint(unsigned int jointId);
     /// Queued. The target is where the second actor's frame shall be as seen from the first's: to
     /// send the first actor up, it lies below. Wakes both.

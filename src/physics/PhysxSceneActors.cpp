@@ -32,7 +32,7 @@ bool hasSolidShape(const PxRigidActor& actor)
     });
 }
 
-/// The farthest of the points by a measure, which comes out as zero where all fail it.
+/// The point with the largest measure.
 template <typename Measure>
 PxVec3 farthest(const std::vector<PxVec3>& points, const Measure& measure)
 {

@@ -15,14 +15,6 @@ constexpr float coneContactShare = 0.49f;        // of the smaller angle
 constexpr float largestConeContact = 0.1f;       // radians
 constexpr float coneBounceThreshold = 0.5f;      // radians per second
 
-PxRigidDynamic* awakenable(PxRigidActor* actor)
-{
-    PxRigidDynamic* body = actor ? actor->is<PxRigidDynamic>() : nullptr;
-    const bool asleepInScene =
-        body && body->getScene() && !body->getRigidBodyFlags().isSet(PxRigidBodyFlag::eKINEMATIC);
-    return asleepInScene ? body : nullptr;
-}
-
 /// The solver notes one joint a pair of actors when it decides who does not collide with whom. If
 /// the noted one of two goes, the pair collides from its next meeting on, as if there were no
 /// joint left: every other joint of the pair has to be noted anew.
@@ -175,14 +167,10 @@ void PhysxScene::driveJoint(unsigned int jointId, const osg::Matrixd& target,
     }
     postTask([d6, pose = toPxTransform(target), linear = toPxVec3(linearVelocity),
               angular = toPxVec3(angularVelocity)] {
-        d6->setDrivePosition(pose);
-        d6->setDriveVelocity(linear, angular);
-        // A changed target alone leaves a sleeping body asleep.
-        PxRigidActor* pair[2];
-        d6->getActors(pair[0], pair[1]);
-        for (PxRigidActor* actor : pair)
-            if (PxRigidDynamic* body = awakenable(actor))
-                body->wakeUp();
+        // A drive does not act on sleeping bodies.
+        constexpr bool wakeBodies = true;
+        d6->setDrivePosition(pose, wakeBodies);
+        d6->setDriveVelocity(linear, angular, wakeBodies);
     });
 }
 

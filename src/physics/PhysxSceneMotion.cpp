@@ -8,8 +8,6 @@
 using namespace physx;
 
 namespace {
-enum Motion : unsigned int { Dynamic = 0, Weightless = 1, Kinematic = 2 };
-
 const char* const cannotForce = " is not dynamic. The force cannot be with him.";
 const char* const ignoresForces = " is kinematic. He won't respond to forces.";
 const char* const cannotSetVelocity = " is not dynamic. I cannot set a velocity.";
@@ -247,16 +245,16 @@ void PhysxScene::applyMotion(PxRigidDynamic& body, unsigned int motion)
 {
     const bool wasHeld = isHeld(body);
     switch (motion) {
-    case Dynamic:
-    case Weightless:
+    case motionDynamic:
+    case motionWithoutGravity:
         body.setRigidBodyFlag(PxRigidBodyFlag::eKINEMATIC, false);
-        body.setActorFlag(PxActorFlag::eDISABLE_GRAVITY, motion == Weightless);
+        body.setActorFlag(PxActorFlag::eDISABLE_GRAVITY, motion == motionWithoutGravity);
         applyCcd(body);
         // Flags wake nobody: asleep in mid-air, the body would hang there for good.
         if (wasHeld && !isHeld(body) && isInScene(body))
             body.wakeUp();
         break;
-    case Kinematic:
+    case motionKinematic:
         // Both flags at once make PhysX complain, be it for a moment.
         body.setRigidBodyFlag(PxRigidBodyFlag::eENABLE_CCD, false);
         body.setRigidBodyFlag(PxRigidBodyFlag::eKINEMATIC, true);

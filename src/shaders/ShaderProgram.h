@@ -73,7 +73,7 @@ class ShaderProgram::Shader : public FileAssociatedAsset
 {
 public:
     /// `type` is the GL enumerant: GL_VERTEX_SHADER, GL_GEOMETRY_SHADER or GL_FRAGMENT_SHADER.
-    /// A file that cannot be read is reported once on standard output and leaves the stage empty.
+    /// A file that does not exist is reported once on standard output and leaves the stage empty.
     Shader(std::string file, unsigned int type);
 
     /// Paste a file, or a piece of code, above every `marker` of the source. What is added first
@@ -127,7 +127,7 @@ class ShaderProgram::CodeFileInjection : public ShaderProgram::CodeInjection,
                                          public FileAssociatedAsset
 {
 public:
-    /// A file that cannot be read is reported once on standard output and pastes nothing.
+    /// A file that does not exist is reported once on standard output and pastes nothing.
     CodeFileInjection(std::string file, std::string marker);
 
     void addShader(Shader* shader) override;

@@ -5,9 +5,8 @@
 #include "level/Ball.h"
 #include "level/Level.h"
 #include "support/FrameGrab.h"
+#include "support/MissingFile.h"
 #include "support/OutputCapture.h"
-
-#include <QFile>
 
 #include <algorithm>
 
@@ -72,17 +71,6 @@ int sheetPieces(int offset)
 {
     return offset < 2 ? 1 : offset < 5 ? 2 : offset < 8 ? 3 : 4;
 }
-
-/// Takes a file of the game's folder away for as long as it lives.
-class MissingFile
-{
-public:
-    explicit MissingFile(const QString& file) : name(file) { QFile::rename(name, name + ".away"); }
-    ~MissingFile() { QFile::rename(name + ".away", name); }
-
-private:
-    QString name;
-};
 
 }  // namespace
 

@@ -36,6 +36,23 @@ protected:
         return shapes;
     }
 
+    /// Whether the board shows an upright face, anything but a line, on the plane x = 0 that
+    /// belongs to the block at `x`, and thus looks away from it.
+    bool showsFaceAt(float x)
+    {
+        const osg::Geometry* mesh = board().getGeode()->getDrawable(0)->asGeometry();
+        const auto& vertices = static_cast<const osg::Vec3Array&>(*mesh->getVertexArray());
+        const auto& normals = static_cast<const osg::Vec3Array&>(*mesh->getNormalArray());
+        for (std::size_t i = 0; i < vertices.size(); i += 3) {
+            const bool onPlane = std::fabs(vertices[i].x()) < 1e-4f &&
+                                 std::fabs(vertices[i + 1].x()) < 1e-4f &&
+                                 std::fabs(vertices[i + 2].x()) < 1e-4f;
+            if (onPlane && normals[i].x() * x < 0.0f)
+                return true;
+        }
+        return false;
+    }
+
     /// A checkpoint has a body of its own and, as a start, nothing on it.
     static Cell dynamicOf(int value) { return {135, 100, value}; }
     static Cell staticOf(int value) { return {90, 100, value}; }
@@ -161,6 +178,49 @@ TEST_F(BlockShapeTest, IsDrawnAsItStandsSeenFromOutside)
             EXPECT_GT(winding * normals[i], 0.0f) << "what looks away is not drawn";
         }
         expectCorners(points, shape, osg::Vec3f(block->x, block->y, 0.0f));
+    }
+}
+
+TEST_F(BlockShapeTest, DoesNotJoinARampOfAnotherDirectionBesideIt)
+{
+    for (int slope = 0; slope < 4; ++slope) {
+        for (int other = 0; other < 4; ++other) {
+            SCOPED_TRACE(testing::Message() << slope << " beside " << other);
+            LevelPicture picture(2, 1);
+            picture.set(0, 0, staticOf(78 + slope)).set(1, 0, staticOf(78 + other));
+            loads(picture);
+            EXPECT_EQ(shapesOf(board().getId()).size(), 2u);
+            EXPECT_TRUE(showsFaceAt(-0.5f)) << "the first is whole";
+            EXPECT_TRUE(showsFaceAt(0.5f)) << "and so is the second";
+        }
+    }
+}
+
+TEST_F(BlockShapeTest, IsDrawnWithoutItsSideExactlyWhereAFixedNeighbourHidesIt)
+{
+    // A wall one high, and what may stand to its right.
+    struct Neighbour
+    {
+        const char* name;
+        Cell cell;
+        bool hides;
+    };
+    const Neighbour neighbours[] = {
+        {"a hole", Cell(), false},
+        {"a lower floor", staticOf(73), false},
+        {"an equal wall", staticOf(86), true},
+        {"a higher wall", staticOf(95), true},
+        {"a ramp that rises towards it", staticOf(64), false},
+        {"a ramp that falls towards it", staticOf(62), false},
+        {"a ghost, which may be air", {225, 80, 86, 1}, false},
+        {"an elevator, which may sink", {180, 90, 95, 2}, false},
+    };
+    for (const Neighbour& neighbour : neighbours) {
+        SCOPED_TRACE(neighbour.name);
+        LevelPicture picture(2, 1);
+        picture.set(0, 0, staticOf(86)).set(1, 0, neighbour.cell);
+        loads(picture);
+        EXPECT_EQ(showsFaceAt(-0.5f), !neighbour.hides);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "level/Level.h"
 #include "support/FrameGrab.h"
 #include "support/GameTest.h"
+#include "support/MissingFile.h"
 #include "support/OutputCapture.h"
 
 #include <QColorSpace>
@@ -36,20 +37,6 @@ QByteArray contentOf(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-/// A file of the game that is away while this lives.
-class Missing
-{
-public:
-    explicit Missing(const char* path) : file(path) { QFile::rename(file, file + ".away"); }
-    ~Missing() { QFile::rename(file + ".away", file); }
-
-    Missing(const Missing&) = delete;
-    Missing& operator=(const Missing&) = delete;
-
-private:
-    QString file;
-};
 
 class LevelFileTest : public GameTest
 {
@@ -203,8 +190,8 @@ TEST_F(LevelFileTest, MayBeInterlaced)
 
 TEST_F(LevelFileTest, IsPlayedWithoutThePicturesOfTheScore)
 {
-    const Missing coins("data/Rollix/coins.png");
-    const Missing lives("data/Rollix/lives-4.png");
+    const MissingFile coins("data/Rollix/coins.png");
+    const MissingFile lives("data/Rollix/lives-4.png");
     OutputCapture output;
     loads({"S"});
     EXPECT_EQ(output.lines(),

@@ -135,7 +135,8 @@ void LevelReport::warnOfPixels(Lines& lines) const
                             std::to_string(pixel.hue));
         else if (!map.hasFloor(cell))
             lines.push_back(place(cell) + ": " + blockInWords(pixel) + " of value " +
-                            std::to_string(pixel.value) + ", and under 57 there is no body");
+                            std::to_string(pixel.value) + ", and under " +
+                            std::to_string(firstBodyValue) + " there is no body");
         else if (blockKindOfHue(pixel.hue) == BlockKind::Trap &&
                  TrapOption::ofSaturation(pixel.saturation).kind == TrapKind::None)
             lines.push_back(place(cell) + ": a trap of saturation " +

@@ -13,7 +13,6 @@ namespace osgQt {
 namespace {
 
 constexpr int samplesPerPixel = 4;
-constexpr QSize defaultSize(800, 600);  // pixels, the camera's first viewport
 
 QGLFormat windowFormat()
 {
@@ -115,11 +114,6 @@ GLWidget::~GLWidget()
 GraphicsWindowQt* GLWidget::getGraphicsWindow() const
 {
     return graphicsWindow.get();
-}
-
-QSize GLWidget::sizeHint() const
-{
-    return defaultSize;
 }
 
 bool GLWidget::event(QEvent* event)

@@ -8,7 +8,7 @@ namespace osgQt {
 class GraphicsWindowQt;
 
 /// A Qt widget with an OpenGL context of its own that OpenSceneGraph draws into. It translates
-/// Qt's size, focus, key and mouse events into the event queue of its graphics window, in device
+/// Qt's size, key and mouse events into the event queue of its graphics window, in device
 /// pixels. Main thread only.
 class GLWidget : public QGLWidget
 {
@@ -24,8 +24,6 @@ public:
     /// The window that draws here; null until one has been made on this widget. The widget keeps
     /// it alive.
     GraphicsWindowQt* getGraphicsWindow() const;
-
-    QSize sizeHint() const override;
 
 protected:
     bool event(QEvent* event) override;
