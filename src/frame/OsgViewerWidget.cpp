@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -97,6 +98,17 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
                       event->isAutoRepeat());
     offer(keyListeners, &KeyListener::keyReleaseEvent, &release);
     event->setAccepted(release.isAccepted());
+}
+
+void OsgViewerWidget::focusOutEvent(QFocusEvent* event)
+{
+    osgQt::GLWidget::focusOutEvent(event);
+    // Whoever leaves the window lets go of its keys: their true releases go to another one.
+    const QHash<quint32, int> held = std::exchange(pressedKeys, {});
+    for (const int key : held) {
+        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
+        keyReleaseEvent(&release);
+    }
 }
 
 void OsgViewerWidget::mousePressEvent(QMouseEvent* event)

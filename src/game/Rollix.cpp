@@ -18,6 +18,9 @@
 #include <QKeyEvent>
 #include <osg/Uniform>
 
+#include <functional>
+#include <utility>
+
 namespace {
 
 constexpr float secondsPerTick = 0.033333335f;  // 1/30
@@ -107,19 +110,20 @@ void Rollix::createMenus()
 {
     const auto makeMenu = [this](bool canContinue) {
         auto* folder = new MenuItemFolder("Menu", nullptr);
-        folder->addItem(
-            new MenuItemAction([this] { requestLevel(LevelAction::Restart); }, "Restart", folder));
-        folder->addItem(
-            new MenuItemAction([this] { requestLevel(LevelAction::Next); }, "Next Level", folder));
-        folder->addItem(new MenuItemAction([this] { requestLevel(LevelAction::Previous); },
-                                           "Previous Level", folder));
+        menuItems.emplace_back(folder);
+        const auto addLine = [this, folder](const char* name, std::function<void()> action) {
+            auto* line = new MenuItemAction(std::move(action), name, folder);
+            menuItems.emplace_back(line);
+            folder->addItem(line);
+        };
+        addLine("Restart", [this] { requestLevel(LevelAction::Restart); });
+        addLine("Next Level", [this] { requestLevel(LevelAction::Next); });
+        addLine("Previous Level", [this] { requestLevel(LevelAction::Previous); });
         if (canContinue) {
-            folder->addItem(new MenuItemAction(
-                [this] {
-                    pauseMenu->hide();
-                    state = GameState::WaitingForRest;
-                },
-                "Continue", folder));
+            addLine("Continue", [this] {
+                pauseMenu->hide();
+                state = GameState::WaitingForRest;
+            });
         }
         osg::ref_ptr<MenuHUD> menu = new MenuHUD;
         menu->init(sceneRoot, this);

@@ -5,8 +5,11 @@
 #include "shaders/ShaderProgram.h"
 
 #include <initializer_list>
+#include <memory>
 #include <string>
+#include <vector>
 
+class AbstractMenuItem;
 class HandCamera;
 class Level;
 class MenuHUD;
@@ -59,6 +62,8 @@ public:
     /// Shader stages by short file name; they outlive every level.
     std::unordered_map<std::string, osg::ref_ptr<ShaderProgram::Shader>> shaderPrograms;
 
+    /// The lines of both menus, which own none.
+    std::vector<std::unique_ptr<AbstractMenuItem>> menuItems;
     osg::ref_ptr<MenuHUD> pauseMenu;
     osg::ref_ptr<MenuHUD> endMenu;
     osg::ref_ptr<TextHUD> messageText;

@@ -254,6 +254,21 @@ TEST_F(OsgViewerWidgetTest, KeepsTheKeyThatWasPressedWhileItRepeats)
     EXPECT_FALSE(keys.repeated);
 }
 
+TEST_F(OsgViewerWidgetTest, ReleasesTheHeldKeysOnceWhenItLosesTheFocus)
+{
+    Keys keys;
+    widget->addKeyListener(&keys);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier, scanCode, 0, 0);
+    sends(press);
+    QFocusEvent leaves(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    sends(leaves);
+    EXPECT_EQ(keys.released, Qt::Key_Left);
+    EXPECT_FALSE(keys.repeated);
+    keys.released = 0;
+    sends(leaves);
+    EXPECT_EQ(keys.released, 0);
+}
+
 TEST_F(OsgViewerWidgetTest, FillsTheScreenByAnF11ThatIsReleasedUnderAnotherName)
 {
     Keys keys;
