@@ -7,9 +7,7 @@ target_compile_definitions(rollix_flags INTERFACE QT_NO_DEPRECATED_WARNINGS)
 
 if(ROLLIX_SANITIZER)
     target_compile_options(rollix_flags INTERFACE
-        -fsanitize=${ROLLIX_SANITIZER} -fno-omit-frame-pointer
-        # The checks between two lines hide from GCC that a variable was set.
-        -Wno-maybe-uninitialized)
+        -fsanitize=${ROLLIX_SANITIZER} -fno-omit-frame-pointer)
     target_link_options(rollix_flags INTERFACE -fsanitize=${ROLLIX_SANITIZER})
     if(ROLLIX_SANITIZER STREQUAL "undefined")
         # PhysX, Qt and OpenSceneGraph are built without RTTI data for this check: vptr would

@@ -21,7 +21,6 @@ public:
                          const std::vector<float>& impulses)
     {
         Stream& stream = streams.emplace_back();
-        stream.patch = physx::PxContactPatch();
         stream.patch.normal = physx::PxVec3(0.0f, 0.0f, 1.0f);
         stream.patch.nbContacts = physx::PxU8(impulses.size());
         stream.points.resize(impulses.size());
