@@ -236,7 +236,9 @@ TEST_F(HandServiceTest, MovesTheBoardWithinTwoTicksAndKeepsItsMemoryThroughAFloo
         slowest = std::max(slowest, passed);
         for (int i = passed; i < ticksBetweenTurns; ++i)
             playsATick();
+        GameLoop::lock();
         putsBall({0.0, 0.0, 6.0});
+        GameLoop::unlock();
         roll = -roll;
         if (++turns == 3)
             memory = residentKilobytes();
