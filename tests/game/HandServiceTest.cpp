@@ -128,6 +128,8 @@ TEST_F(HandServiceTest, MayComeAndGoInPlay)
     {
         Silence silence;
         service.stops();
+        // After its last frames comes an empty one.
+        EXPECT_TRUE(witness.waitsForFrame(-1));
         witness.forgets();
         game.setAngularVelocity(board().getId(), osg::Vec3f(0.0f, 0.3f, 0.0f), true);
         ticks(5);

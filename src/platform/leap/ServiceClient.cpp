@@ -23,8 +23,8 @@ constexpr int greetingTime = 1400;  // ms
 
 // A service that hangs is noticed by its silence, which alone means nothing: without a hand in view
 // it may send no frames. So it is asked once, and has as long again to answer. Up to three
-// intervals pass until it is given up, and with the retry that is still under two seconds.
-constexpr int pulseInterval = 450;  // ms
+// intervals pass until another one is tried, which is still under two seconds.
+constexpr int pulseInterval = 650;  // ms
 
 // More than one whole message, as the library reads the payload of a frame in one piece.
 constexpr qint64 readBuffer = 2 * longestMessage;
@@ -151,7 +151,8 @@ void ServiceClient::checkPulse()
         heard = false;
         pinged = false;
     } else if (pinged) {
-        reconnect();
+        dropSocket();
+        connectToService();
     } else {
         pinged = true;
         socket->ping();
