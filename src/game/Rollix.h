@@ -29,7 +29,7 @@ public:
     /// thread, takes the world lock.
     void loadLevel(unsigned int number);
 
-    /// The two outcomes of a level. World lock held, in a tick.
+    /// The two outcomes of a level. World lock held.
     void levelCompleted();
     void levelFailed();
 
@@ -62,8 +62,6 @@ public:
     /// Shader stages by short file name; they outlive every level.
     std::unordered_map<std::string, osg::ref_ptr<ShaderProgram::Shader>> shaderPrograms;
 
-    /// The lines of both menus, which own none.
-    std::vector<std::unique_ptr<AbstractMenuItem>> menuItems;
     osg::ref_ptr<MenuHUD> pauseMenu;
     osg::ref_ptr<MenuHUD> endMenu;
     osg::ref_ptr<TextHUD> messageText;
@@ -102,6 +100,8 @@ private:
     void driveEndMenu(const Leap::Controller& controller);
     void driveMenu(MenuHUD* menu, const Leap::Controller& controller);
 
+    /// The lines of both menus, which own none.
+    std::vector<std::unique_ptr<AbstractMenuItem>> menuItems;
     LevelAction pendingLevelAction = LevelAction::None;
     bool keyUp = false;
     bool keyDown = false;

@@ -20,7 +20,7 @@ class ShaderProgram;
 /// One loaded level: it owns the scene subtree, ground, board, ball and the HUD elements of a
 /// running game, and keeps lives, coins and the last checkpoint. To make it loads it, to destroy it
 /// clears the physics world. There is never more than one. World lock held in all of it;
-/// constructor and destructor take the lock themselves.
+/// constructor, destructor and changeLives take the lock themselves.
 class Level : public osg::Referenced
 {
 public:
