@@ -44,7 +44,7 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 Rollix::Rollix(OsgViewerWidget* widget)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     setUpCamera(widget);
     createWorld();
     loadLevel(0);
@@ -56,7 +56,6 @@ Rollix::Rollix(OsgViewerWidget* widget)
     createMenus();
     createMessageText();
     state = GameState::WaitingForRest;
-    GameLoop::unlock();
 }
 
 Rollix::~Rollix()
@@ -80,12 +79,11 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 
 void Rollix::createWorld()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     createScene(gravity);
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
-    GameLoop::unlock();
 }
 
 void Rollix::createHandCamera()
@@ -153,12 +151,11 @@ void Rollix::requestLevel(LevelAction action)
 
 void Rollix::loadLevel(unsigned int number)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     level = nullptr;
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
-    GameLoop::unlock();
     state = GameState::WaitingForRest;
 }
 
@@ -202,10 +199,9 @@ void Rollix::setSharedStages(ShaderProgram& program, const std::string& programN
 
 void Rollix::update()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveLevelAction();
     applyKeyTorque();
-    GameLoop::unlock();
 }
 
 void Rollix::serveLevelAction()
@@ -280,9 +276,8 @@ void Rollix::keyReleaseEvent(QKeyEvent* event)
     if (event->isAutoRepeat())
         return;
     // The sensor's thread may be at work on the same menu.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveKey(event);
-    GameLoop::unlock();
 }
 
 void Rollix::serveKey(QKeyEvent* event)
