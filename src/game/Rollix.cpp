@@ -14,6 +14,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
+#include "shaders/StageRecipes.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
@@ -43,7 +44,7 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 Rollix::Rollix(OsgViewerWidget* widget)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     setUpCamera(widget);
     createWorld();
     loadLevel(0);
@@ -55,7 +56,6 @@ Rollix::Rollix(OsgViewerWidget* widget)
     createMenus();
     createMessageText();
     state = GameState::WaitingForRest;
-    GameLoop::unlock();
 }
 
 Rollix::~Rollix()
@@ -79,12 +79,11 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 
 void Rollix::createWorld()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     createScene(gravity);
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
-    GameLoop::unlock();
 }
 
 void Rollix::createHandCamera()
@@ -152,12 +151,11 @@ void Rollix::requestLevel(LevelAction action)
 
 void Rollix::loadLevel(unsigned int number)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     level = nullptr;
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
-    GameLoop::unlock();
     state = GameState::WaitingForRest;
 }
 
@@ -182,27 +180,28 @@ void Rollix::levelFailed()
     showMessage("Not even close...", badNews);
 }
 
-ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles,
-                                            const std::string& startMainCode)
+ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
-    if (!shader) {
-        shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
-        for (const std::string& file : preMainFiles)
-            shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
-        if (!startMainCode.empty())
-            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
-    }
+    if (!shader)
+        shader = makeStage(name);
     return shader;
+}
+
+void Rollix::setSharedStages(ShaderProgram& program, const std::string& programName)
+{
+    const ProgramRecipe& recipe = programRecipe(programName);
+    program.setVertexShader(sharedShader(recipe.vertexStage));
+    if (!recipe.geometryStage.empty())
+        program.setGeometryShader(sharedShader(recipe.geometryStage));
+    program.setFragmentShader(sharedShader(recipe.fragmentStage));
 }
 
 void Rollix::update()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveLevelAction();
     applyKeyTorque();
-    GameLoop::unlock();
 }
 
 void Rollix::serveLevelAction()
@@ -277,9 +276,8 @@ void Rollix::keyReleaseEvent(QKeyEvent* event)
     if (event->isAutoRepeat())
         return;
     // The sensor's thread may be at work on the same menu.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveKey(event);
-    GameLoop::unlock();
 }
 
 void Rollix::serveKey(QKeyEvent* event)
