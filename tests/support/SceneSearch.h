@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <osg/Node>
 #include <osg/Uniform>
+#include <osgText/Text>
 
 #include <string>
 #include <vector>
@@ -13,6 +14,10 @@
 std::vector<std::string> textsBelow(osg::Node* node, float smallest = 0.0f);
 /// The file names of the textures' images, in the order of the tree.
 std::vector<std::string> imagesBelow(osg::Node* node);
+/// The first drawable of a texture with an image of this file name; null if there is none.
+osg::Drawable* drawableOfImage(osg::Node* node, const std::string& file);
+/// The first line of this text; null if there is none.
+osgText::Text* drawableOfText(osg::Node* node, const std::string& line);
 /// The first uniform of this name; null if there is none.
 osg::Uniform* uniformBelow(osg::Node* node, const std::string& name);
 /// The first node whose own state set holds a uniform of this name; null if there is none.
