@@ -1,5 +1,6 @@
 #include "blocks/BlockPortal.h"
 
+#include "base/Random.h"
 #include "blocks/Decoration.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
@@ -7,7 +8,6 @@
 #include "level/Board.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
-#include "level/Random.h"
 
 #include <osg/ShapeDrawable>
 #include <osg/observer_ptr>

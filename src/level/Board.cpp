@@ -1,5 +1,6 @@
 #include "level/Board.h"
 
+#include "base/Random.h"
 #include "blocks/BlockElevator.h"
 #include "blocks/BlockGhost.h"
 #include "blocks/BlockItem.h"
@@ -14,7 +15,6 @@
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
-#include "level/Random.h"
 
 #include <QImage>
 #include <osg/PolygonOffset>

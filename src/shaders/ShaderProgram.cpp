@@ -1,6 +1,6 @@
 #include "shaders/ShaderProgram.h"
 
-#include "shaders/UnreadableFile.h"
+#include "base/UnreadableFile.h"
 
 #include <QFile>
 #include <osg/StateSet>

@@ -1,4 +1,4 @@
-#include "shaders/UnreadableFile.h"
+#include "base/UnreadableFile.h"
 
 #include <iostream>
 #include <mutex>
