@@ -1,5 +1,6 @@
 #include "level/BlockButton.h"
 
+#include "base/Say.h"
 #include "blocks/Decoration.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
@@ -10,8 +11,6 @@
 #include <QTimer>
 #include <osg/MatrixTransform>
 #include <osg/ShapeDrawable>
-
-#include <iostream>
 
 namespace {
 
@@ -146,5 +145,5 @@ void BlockButton::reset()
     busy = false;
     pose->stop(raised);
     color->stop(behaviour.color);
-    std::cout << "reset" << std::endl;
+    say("reset");
 }

@@ -1,6 +1,7 @@
 #include "level/Board.h"
 
 #include "base/Random.h"
+#include "base/Say.h"
 #include "blocks/BlockElevator.h"
 #include "blocks/BlockGhost.h"
 #include "blocks/BlockItem.h"
@@ -22,7 +23,6 @@
 
 #include <cmath>
 #include <functional>
-#include <iostream>
 
 namespace {
 
@@ -165,10 +165,10 @@ Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const o
         return nullptr;
     if (kind != BlockKind::Standard && pixel.value < firstBodyValue) {
         // Every other kind needs a body to hang its parts on.
-        std::cout << "I cannot build the block of " << level->pictureFile << " at column " << column
-                  << ", row " << row << ": it has hue " << pixel.hue << ", saturation "
-                  << pixel.saturation << ", value " << pixel.value << ", alpha " << pixel.alpha
-                  << ", and a value under " << firstBodyValue << " gives it no body." << std::endl;
+        say("I cannot build the block of ", level->pictureFile, " at column ", column, ", row ",
+            row, ": it has hue ", pixel.hue, ", saturation ", pixel.saturation, ", value ",
+            pixel.value, ", alpha ", pixel.alpha, ", and a value under ", firstBodyValue,
+            " gives it no body.");
         return nullptr;
     }
     return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);

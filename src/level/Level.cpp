@@ -1,5 +1,6 @@
 #include "level/Level.h"
 
+#include "base/Say.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/ImageHUD.h"
@@ -15,7 +16,6 @@
 #include <osgDB/Registry>
 
 #include <algorithm>
-#include <iostream>
 #include <sstream>
 
 namespace {
@@ -38,7 +38,7 @@ osg::ref_ptr<osg::Drawable> readModel(const std::string& file)
     osg::Geode* geode = node ? node->asGeode() : nullptr;
     if (geode && geode->getNumDrawables() > 0)
         return geode->getDrawable(0);
-    std::cout << "I cannot read a model from " << file << std::endl;
+    say("I cannot read a model from ", file);
     return nullptr;
 }
 
@@ -53,7 +53,7 @@ Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
 {
     GameLoop::lock();
     game_->createMaterial("holz", 0.2f, 0.05f, 0.0f);
-    std::cout << "reading level " << pictureFile << std::endl;
+    say("reading level ", pictureFile);
     root = new osg::Group;
     createShader();
     ground = new Ground(*this);
