@@ -1,11 +1,11 @@
 #include "blocks/BlockPortal.h"
 
 #include "base/Random.h"
-#include "blocks/Decoration.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 

@@ -1,12 +1,12 @@
 #include "blocks/BlockTrap.h"
 
-#include "blocks/Decoration.h"
 #include "blocks/HidingCallback.h"
 #include "blocks/SingleShot.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 

@@ -1,9 +1,9 @@
 #include "level/BlockButton.h"
 
 #include "base/Say.h"
-#include "blocks/Decoration.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
 

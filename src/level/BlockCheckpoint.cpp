@@ -1,8 +1,8 @@
 #include "level/BlockCheckpoint.h"
 
-#include "blocks/Decoration.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
 
