@@ -2,16 +2,9 @@
 
 #include "base/Random.h"
 #include "base/Say.h"
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/BlockItem.h"
-#include "blocks/BlockPortal.h"
-#include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
-#include "level/BlockButton.h"
-#include "level/BlockCheckpoint.h"
-#include "level/BlockStandard.h"
+#include "level/BlockFactory.h"
 #include "level/BoardMesh.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
@@ -22,7 +15,6 @@
 #include <osg/ShapeDrawable>
 
 #include <cmath>
-#include <functional>
 
 namespace {
 
@@ -47,39 +39,6 @@ const osg::Vec4f guideColor(0.0f, 9.0f, 0.0f, 0.3f);  // over 1: as green as it 
 
 constexpr float audibleImpulse = 0.01f;
 constexpr float volumePerImpulse = 2.0f;
-
-template <typename T>
-T* createBlock(Level& level, float x, float y, int saturation, int value, BlockGroup& group)
-{
-    return new T(level, x, y, saturation, value, group);
-}
-
-using BlockFactory = std::function<Block*(Level&, float, float, int, int, BlockGroup&)>;
-
-/// The creator of a kind; empty for a hue that names none.
-BlockFactory factoryOf(BlockKind kind)
-{
-    switch (kind) {
-    case BlockKind::Standard:
-        return createBlock<BlockStandard>;
-    case BlockKind::Checkpoint:
-        return createBlock<BlockCheckpoint>;
-    case BlockKind::Button:
-        return createBlock<BlockButton>;
-    case BlockKind::Ghost:
-        return createBlock<BlockGhost>;
-    case BlockKind::Elevator:
-        return createBlock<BlockElevator>;
-    case BlockKind::Trap:
-        return createBlock<BlockTrap>;
-    case BlockKind::Item:
-        return createBlock<BlockItem>;
-    case BlockKind::Portal:
-        return createBlock<BlockPortal>;
-    default:
-        return BlockFactory();
-    }
-}
 
 }  // namespace
 
@@ -160,7 +119,7 @@ Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const o
                            BlockGroup& group)
 {
     const BlockKind kind = blockKindOfHue(pixel.hue);
-    const BlockFactory create = factoryOf(kind);
+    const BlockFactory create = blockFactoryOf(kind);
     if (!create)
         return nullptr;
     if (kind != BlockKind::Standard && pixel.value < firstBodyValue) {
