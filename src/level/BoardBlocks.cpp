@@ -1,6 +1,7 @@
 // The board's blocks: what the level picture makes of it.
 #include "base/Say.h"
 #include "level/BlockFactory.h"
+#include "level/BlockShape.h"
 #include "level/Board.h"
 #include "level/BoardMesh.h"
 #include "level/Level.h"

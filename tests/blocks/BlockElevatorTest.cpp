@@ -203,7 +203,7 @@ TEST_F(BlockElevatorTest, ReadsModeAndTravelFromEverySaturation)
         const int band = automatically ? automaticBand : manualBand;
         // A step's nominal saturation and its two neighbours.
         const int step = std::max(0, (saturation - band + 1) / 3);
-        const BlockElevator::Way way = BlockElevator::Way::ofSaturation(saturation);
+        const ElevatorOption way = ElevatorOption::ofSaturation(saturation);
         EXPECT_EQ(way.automatic, automatically);
         EXPECT_EQ(way.travel, travels[step]);
     }

@@ -1,3 +1,5 @@
+#include "level/BlockShape.h"
+
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Block.h"

@@ -1,9 +1,7 @@
 #include "LevelMap.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/ItemOption.h"
-#include "blocks/PortalShape.h"
-#include "blocks/TrapOption.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <cmath>
@@ -87,9 +85,8 @@ double LevelMap::edgeHeight(const CellPosition& cell, int towardsColumn, int tow
     const BlockShape shape = BlockShape::ofValue(pixel(cell).value);
     if (shape.slope == flatSlope)
         return shape.highHeight;
-    constexpr int highColumn[4] = {0, 1, 0, -1};
-    constexpr int highRow[4] = {1, 0, -1, 0};
-    const int along = highColumn[shape.slope] * towardsColumn + highRow[shape.slope] * towardsRow;
+    const CellSide& high = highSides[shape.slope];
+    const int along = high.x * towardsColumn - high.y * towardsRow;  // rows count downward
     if (along == 0)
         return -1.0;  // the side of a ramp: nothing rolls over it
     return along > 0 ? shape.highHeight : shape.lowHeight;
@@ -99,7 +96,7 @@ std::vector<double> LevelMap::shifts(const CellPosition& cell) const
 {
     if (!is(cell, BlockKind::Elevator))
         return {0.0};
-    return {0.0, BlockElevator::Way::ofSaturation(pixel(cell).saturation).travel};
+    return {0.0, ElevatorOption::ofSaturation(pixel(cell).saturation).travel};
 }
 
 bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double drop) const
