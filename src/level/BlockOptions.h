@@ -53,7 +53,8 @@ enum class TrapKind : int { None = -1, Mine = 0, Spring = 1, Trapdoor = 2, Well 
 struct TrapOption
 {
     TrapKind kind;
-    /// Mine: its fuse, trapdoor: its delay, in seconds. Spring: its throw, in units of springForce.
+    /// Mine: its fuse, trapdoor: its delay, in seconds. Spring: its throw, in units of
+    /// world::springForce.
     /// Well: the side of the cube in which it pulls.
     double parameter;
 

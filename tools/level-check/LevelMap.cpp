@@ -1,5 +1,6 @@
 #include "LevelMap.h"
 
+#include "base/WorldNumbers.h"
 #include "level/BlockOptions.h"
 #include "level/BlockShape.h"
 
@@ -12,9 +13,6 @@ namespace {
 constexpr double edgeTolerance = 0.02;
 constexpr int steps[4][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
 
-constexpr double gravity = 9.81;
-constexpr double ballMass = 0.1131;  // a ball of radius 0.3 and density 1
-constexpr double secondsPerTick = 1.0 / 30.0;
 constexpr double springMargin = 0.3;  // how much higher than the edge the ball has to come
 constexpr int longestFlight = 6;      // cells that are crossed without gravity
 
@@ -23,8 +21,9 @@ double springRise(const LevelPixel& pixel)
     const TrapOption trap = TrapOption::ofSaturation(pixel.saturation);
     if (blockKindOfHue(pixel.hue) != BlockKind::Trap || trap.kind != TrapKind::Spring)
         return 0.0;
-    const double speed = 2.0 * trap.parameter * secondsPerTick / ballMass;
-    return speed * speed / (2.0 * gravity) - springMargin;
+    const double speed =
+        world::springForce * trap.parameter * world::secondsPerTick / world::ballMass;
+    return speed * speed / (2.0 * world::gravity) - springMargin;
 }
 
 }  // namespace
