@@ -2,22 +2,6 @@
 
 namespace {
 
-struct HueRange
-{
-    int first;
-    int last;
-    BlockKind kind;
-};
-
-// Inclusive, the first match counts. Red lies on both sides of the circle's seam.
-constexpr HueRange hueRanges[] = {
-    {80, 100, BlockKind::Standard},  {125, 145, BlockKind::Checkpoint},
-    {260, 280, BlockKind::Button},   {215, 235, BlockKind::Ghost},
-    {170, 190, BlockKind::Elevator}, {-10, 10, BlockKind::Trap},
-    {350, 370, BlockKind::Trap},     {35, 55, BlockKind::Item},
-    {305, 325, BlockKind::Portal},
-};
-
 int rounded(double number)
 {
     return int(number + 0.5);

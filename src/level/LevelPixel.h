@@ -27,5 +27,22 @@ enum class BlockKind {
     Portal,
 };
 
-/// The kind that stands for this hue; ranges of 21 degrees around each kind's nominal one.
+struct HueRange
+{
+    int first;
+    int last;
+    BlockKind kind;
+};
+
+/// Ranges of 21 degrees around each kind's nominal hue, both ends included; the first match counts.
+/// Red lies on both sides of the circle's seam.
+constexpr HueRange hueRanges[] = {
+    {80, 100, BlockKind::Standard},  {125, 145, BlockKind::Checkpoint},
+    {260, 280, BlockKind::Button},   {215, 235, BlockKind::Ghost},
+    {170, 190, BlockKind::Elevator}, {-10, 10, BlockKind::Trap},
+    {350, 370, BlockKind::Trap},     {35, 55, BlockKind::Item},
+    {305, 325, BlockKind::Portal},
+};
+
+/// The kind that stands for this hue.
 BlockKind blockKindOfHue(int hue);
