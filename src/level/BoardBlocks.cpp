@@ -10,43 +10,73 @@
 #include <QImage>
 
 #include <cmath>
+#include <string>
+
+namespace {
+
+/// The pixels of a picture whose blocks would need a body and have none.
+class BodilessPixels
+{
+public:
+    void add(int column, int row, const LevelPixel& pixel)
+    {
+        if (count++ == 0)
+            first = {column, row, pixel};
+    }
+
+    /// One line on all of them, if there are any.
+    void report(const std::string& file) const
+    {
+        if (count == 0)
+            return;
+        const LevelPixel& pixel = first.pixel;
+        say("I cannot build ", count, " of the blocks of ", file, ": a value under ",
+            firstBodyValue, " gives no body. The first is at column ", first.column, ", row ",
+            first.row, ": hue ", pixel.hue, ", saturation ", pixel.saturation, ", value ",
+            pixel.value, ", alpha ", pixel.alpha, ".");
+    }
+
+private:
+    struct Place
+    {
+        int column;
+        int row;
+        LevelPixel pixel;
+    };
+
+    int count = 0;
+    Place first{};
+};
+
+}  // namespace
 
 void Board::createBlocks(const QImage& image)
 {
     const int width = image.width();
     const int height = image.height();
+    BodilessPixels bodiless;
     for (int row = 0; row < height; ++row) {
         for (int column = 0; column < width; ++column) {
             const LevelPixel pixel = LevelPixel::decode(image.pixel(column, row));
             if (pixel.value == 0)
                 continue;
-            const osg::Vec2f position((float(column) - float(width) * 0.5f) + 0.5f,
-                                      (float(height) * 0.5f - float(row)) - 0.5f);
             BlockGroup& group = groups[pixel.alpha];
-            if (Block* block = blockOfPixel(pixel, column, row, position, group)) {
-                blocks.push_back(block);
-                group.push_back(block);
+            const BlockKind kind = blockKindOfHue(pixel.hue);
+            const BlockFactory create = blockFactoryOf(kind);
+            if (!create)
+                continue;
+            if (hasOwnBody(kind) && pixel.value < firstBodyValue) {
+                bodiless.add(column, row, pixel);
+                continue;
             }
+            const float x = (float(column) - float(width) * 0.5f) + 0.5f;
+            const float y = (float(height) * 0.5f - float(row)) - 0.5f;
+            Block* block = create(*level, x, y, pixel.saturation, pixel.value, group);
+            blocks.push_back(block);
+            group.push_back(block);
         }
     }
-}
-
-Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                           BlockGroup& group)
-{
-    const BlockKind kind = blockKindOfHue(pixel.hue);
-    const BlockFactory create = blockFactoryOf(kind);
-    if (!create)
-        return nullptr;
-    if (kind != BlockKind::Standard && pixel.value < firstBodyValue) {
-        // Every other kind needs a body to hang its parts on.
-        say("I cannot build the block of ", level->pictureFile, " at column ", column, ", row ",
-            row, ": it has hue ", pixel.hue, ", saturation ", pixel.saturation, ", value ",
-            pixel.value, ", alpha ", pixel.alpha, ", and a value under ", firstBodyValue,
-            " gives it no body.");
-        return nullptr;
-    }
-    return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
+    bodiless.report(level->pictureFile);
 }
 
 void Board::mergeStaticBlocks(int columns, int rows)

@@ -9,9 +9,9 @@
 #include "level/BlockCheckpoint.h"
 #include "level/Board.h"
 #include "level/Ground.h"
+#include "level/PictureFile.h"
 #include "shaders/ShaderProgram.h"
 
-#include <QImage>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
 
@@ -86,7 +86,10 @@ void Level::createShader()
 void Level::createBoard()
 {
     board = new Board(*this);
-    board->load(QImage(QString::fromStdString(pictureFile)));
+    const PictureFile read = PictureFile::read(pictureFile);
+    if (!read.refusal.empty())
+        say(read.refusal);
+    board->load(read.picture);
 }
 
 void Level::createHud()

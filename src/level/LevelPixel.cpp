@@ -28,3 +28,8 @@ BlockKind blockKindOfHue(int hue)
     }
     return BlockKind::None;
 }
+
+bool hasOwnBody(BlockKind kind)
+{
+    return kind != BlockKind::None && kind != BlockKind::Standard;
+}

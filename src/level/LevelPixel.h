@@ -46,3 +46,7 @@ constexpr HueRange hueRanges[] = {
 
 /// The kind that stands for this hue.
 BlockKind blockKindOfHue(int hue);
+
+/// Whether blocks of this kind have a body of their own, and cannot be without: all but floors and
+/// walls, which are merged into the board.
+bool hasOwnBody(BlockKind kind);
