@@ -42,7 +42,7 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 Rollix::Rollix(OsgViewerWidget* widget)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     setUpCamera(widget);
     createWorld();
     loadLevel(0);
@@ -54,7 +54,6 @@ Rollix::Rollix(OsgViewerWidget* widget)
     createMenus();
     createMessageText();
     state = GameState::WaitingForRest;
-    GameLoop::unlock();
 }
 
 Rollix::~Rollix()
@@ -78,12 +77,11 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 
 void Rollix::createWorld()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     createScene(osg::Vec3f(0.0f, 0.0f, -world::gravity));
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
-    GameLoop::unlock();
 }
 
 void Rollix::createHandCamera()
@@ -151,12 +149,11 @@ void Rollix::requestLevel(LevelAction action)
 
 void Rollix::loadLevel(unsigned int number)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     level = nullptr;
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
-    GameLoop::unlock();
     state = GameState::WaitingForRest;
 }
 
@@ -198,10 +195,9 @@ ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned in
 
 void Rollix::update()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveLevelAction();
     applyKeyTorque();
-    GameLoop::unlock();
 }
 
 void Rollix::serveLevelAction()
@@ -276,9 +272,8 @@ void Rollix::keyReleaseEvent(QKeyEvent* event)
     if (event->isAutoRepeat())
         return;
     // The sensor's thread may be at work on the same menu.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveKey(event);
-    GameLoop::unlock();
 }
 
 void Rollix::serveKey(QKeyEvent* event)
