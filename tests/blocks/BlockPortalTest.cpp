@@ -1,6 +1,7 @@
 #include "blocks/BlockPortal.h"
 
 #include "BlockTest.h"
+#include "FrameGrab.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
@@ -8,7 +9,6 @@
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
 
 #include <osgParticle/ParticleSystem>
 

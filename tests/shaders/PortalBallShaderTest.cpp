@@ -1,8 +1,8 @@
+#include "FrameGrab.h"
 #include "base/WorldNumbers.h"
 #include "platform/osgqt/GLWidget.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/ShaderProgram.h"
-#include "support/FrameGrab.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
