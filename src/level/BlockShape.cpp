@@ -23,7 +23,7 @@ CornerHeights CornerHeights::of(float lowHeight, float highHeight, int slope)
 {
     const auto heightAt = [=](int x, int y) {
         if (slope == flatSlope)
-            return highHeight;
+            return lowHeight;
         const CellSide& high = highSides[slope];
         return x * high.x + y * high.y > 0 ? highHeight : lowHeight;
     };
