@@ -19,7 +19,7 @@ struct PictureFile
 constexpr int mostCells = 90000;
 
 /// How many blocks with a body of their own (all but floors and walls) a level may have.
-constexpr int mostBodies = 1500;
+constexpr int mostBodies = 3000;
 
 /// Why a picture is not built, as one line for the player; empty if it is.
 std::string refusalOf(const std::string& file, const QSize& size);
