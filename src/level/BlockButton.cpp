@@ -1,6 +1,7 @@
 #include "level/BlockButton.h"
 
 #include "blocks/Decoration.h"
+#include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Level.h"
@@ -106,7 +107,10 @@ void BlockButton::onBallContact(Ball*)
         return;
     }
     setPressed(!pressed);
-    QTimer::singleShot(int(behaviour.coolDown * 1000.0), this, &BlockButton::cooledDown);
+    QTimer::singleShot(int(behaviour.coolDown * 1000.0), this, [this] {
+        const GameLoop::Lock worldLock;
+        cooledDown();
+    });
 }
 
 void BlockButton::cooledDown()
