@@ -238,7 +238,6 @@ TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 
 TEST_F(ProgramTest, EndsAsItShouldThoughTheSoundDoesNot)
 {
-    brings();
     paints(0, LevelPicture({"S"}));
     starts(ROLLIX_FAILING_RELEASE);
     closes();
