@@ -11,6 +11,8 @@
 #include "support/OutputCapture.h"
 #include "support/SceneSearch.h"
 
+#include <osgText/Text>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -119,7 +121,7 @@ TEST_F(LevelTest, ShowsLivesCoinAndNumberInTheUpperRightCorner)
     EXPECT_EQ(coin->getBoundingBox().corner(7), osg::Vec3(760, 582, 0));
     EXPECT_EQ(coin->getBoundingBox().corner(0), osg::Vec3(760 - 18, 564, 0));
 
-    const osgText::Text* score = drawableOfText(game.getSceneData(), "0");
+    const osgText::Text* score = textReading("0", game.getSceneData());
     ASSERT_NE(score, nullptr);
     EXPECT_EQ(score->getPosition(), osg::Vec3(764, 579, 0));
     EXPECT_EQ(score->getAlignment(), osgText::TextBase::LEFT_TOP);

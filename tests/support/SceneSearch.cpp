@@ -93,18 +93,6 @@ osg::Drawable* drawableOfImage(osg::Node* node, const std::string& file)
     return drawable;
 }
 
-osgText::Text* drawableOfText(osg::Node* node, const std::string& line)
-{
-    osgText::Text* drawable = nullptr;
-    Walk walk([&](osg::Node& found) {
-        auto* text = dynamic_cast<osgText::Text*>(&found);
-        if (!drawable && text && text->getText().createUTF8EncodedString() == line)
-            drawable = text;
-    });
-    node->accept(walk);
-    return drawable;
-}
-
 osg::Node* nodeWithUniform(osg::Node* node, const std::string& name)
 {
     osg::Node* result = nullptr;

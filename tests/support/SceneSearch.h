@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <osg/Node>
 #include <osg/Uniform>
-#include <osgText/Text>
 
 #include <string>
 #include <vector>
@@ -22,8 +21,6 @@ const osgText::Text* textReading(const std::string& text, osg::Node* node);
 std::vector<std::string> imagesBelow(osg::Node* node);
 /// The first drawable of a texture with an image of this file name; null if there is none.
 osg::Drawable* drawableOfImage(osg::Node* node, const std::string& file);
-/// The first line of this text; null if there is none.
-osgText::Text* drawableOfText(osg::Node* node, const std::string& line);
 /// The first uniform of this name; null if there is none.
 osg::Uniform* uniformBelow(osg::Node* node, const std::string& name);
 /// The first node whose own state set holds a uniform of this name; null if there is none.
