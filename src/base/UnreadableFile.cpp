@@ -1,6 +1,7 @@
-#include "shaders/UnreadableFile.h"
+#include "base/UnreadableFile.h"
 
-#include <iostream>
+#include "base/Say.h"
+
 #include <mutex>
 #include <set>
 
@@ -40,8 +41,7 @@ void reportUnreadable(const std::string& what, const std::string& path,
                       const std::string& consequence)
 {
     if (unreadableFiles().add(path))
-        std::cout << "I cannot read the " << what << " " << path << ". " << consequence
-                  << std::endl;
+        say("I cannot read the ", what, " ", path, ". ", consequence);
 }
 
 void noteReadable(const std::string& path)
