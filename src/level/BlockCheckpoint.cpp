@@ -81,7 +81,7 @@ void BlockCheckpoint::createFlag()
 
 void BlockCheckpoint::createFlagProgram()
 {
-    if (type == Checkpoint) {
+    if (type == CheckpointType::Checkpoint) {
         flagShader = addProgram(flagGeode, "flag", game());
         return;
     }

@@ -1,7 +1,6 @@
 #include "blocks/BlockPortal.h"
 
 #include "BlockTest.h"
-#include "FrameGrab.h"
 #include "SparksOfBlock.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
@@ -551,7 +550,7 @@ TEST_F(BlockPortalTest, FallWhileTheMouthPullsLeavesThePortalSolidAndIdle)
     EXPECT_EQ(GameLoop::frameTaskCount(), 0u);
     const osg::Vec3f velocity = ballVelocity();
     ticks();
-    EXPECT_NEAR((ballVelocity() - velocity).z(), -gravity * tickSeconds, 1e-3)
+    EXPECT_NEAR((ballVelocity() - velocity).z(), -world::gravity * world::secondsPerTick, 1e-3)
         << "nothing pulls at the ball, which has its gravity";
     EXPECT_NEAR(ballVelocity().x(), 0.0, 1e-3);
     EXPECT_TRUE(isSolid(sender(), topFace));

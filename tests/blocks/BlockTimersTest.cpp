@@ -2,13 +2,13 @@
 // all times here are the program's own.
 
 #include "BlockTest.h"
-#include "FrameGrab.h"
 #include "blocks/BlockItem.h"
 #include "blocks/BlockTrap.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
+#include "support/DifferingPixels.h"
 
 #include <QElapsedTimer>
 #include <QThread>
