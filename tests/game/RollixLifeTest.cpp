@@ -9,14 +9,39 @@
 #include <gtest/gtest.h>
 #include <osg/observer_ptr>
 
+#include <cstddef>
+#include <cstring>
 #include <memory>
 
 namespace {
 
+/// Whoever still calls this game when it is gone finds nothing, where else it would find what by
+/// chance is left of it.
+class WipedGame : public Rollix
+{
+public:
+    using Rollix::Rollix;
+
+    static void operator delete(void* memory, std::size_t size)
+    {
+        std::memset(memory, 0, size);
+        kept = memory;
+    }
+
+protected:
+    ~WipedGame() override
+    {
+        EXPECT_EQ(getViewerBase(), nullptr) << "it leaves a window that is half gone";
+    }
+
+private:
+    static inline void* kept = nullptr;
+};
+
 TEST(RollixLife, BeginsWaitingForTheHandAndLeavesSensorAndWindowWithoutATrace)
 {
     auto widget = std::make_unique<OsgViewerWidget>();
-    auto* game = new Rollix(widget.get());
+    auto* game = new WipedGame(widget.get());
     widget->addView(game);
     EXPECT_EQ(game->state, GameState::WaitingForRest);
     EXPECT_EQ(game->level->number, 0u);
@@ -48,7 +73,7 @@ TEST(RollixLife, BeginsWaitingForTheHandAndLeavesSensorAndWindowWithoutATrace)
 TEST(RollixLife, EndsWithItsWindow)
 {
     auto widget = std::make_unique<OsgViewerWidget>();
-    auto* game = new Rollix(widget.get());
+    auto* game = new WipedGame(widget.get());
     widget->addView(game);
     const osg::observer_ptr<osg::View> itself(game);
     widget.reset();
