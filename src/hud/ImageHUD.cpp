@@ -42,6 +42,7 @@ void ImageHUD::build()
         reportUnreadable("image", imageFile, "Imagine it.");
         return;
     }
+    noteReadable(imageFile);
 
     const int px = static_cast<int>(getWidth() * position.x());
     const int py = static_cast<int>(getHeight() * position.y());

@@ -81,7 +81,9 @@ void TextHUD::build()
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
     if (font)
         font->setMinFilterHint(osg::Texture::LINEAR);
-    if (!isOwnFont(font))
+    if (isOwnFont(font))
+        noteReadable(fontFile);
+    else
         reportUnreadable("font", fontFile, "I write with what I have.");
     drawable->setFont(font);
     drawable->setText(text);

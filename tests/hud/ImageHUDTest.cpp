@@ -8,6 +8,9 @@
 #include <osgDB/ReaderWriter>
 #include <osgDB/Registry>
 
+#include <cstdio>
+#include <string>
+
 namespace {
 
 const osg::Vec3i red(255, 0, 0);
@@ -198,6 +201,21 @@ TEST_F(ImageHUDTest, DrawsNothingForAMissingPictureAndSaysSoOnce)
     writesPicture("absent.png", 10, 10, {1, 0, 0, 1});
     element->refresh();
     EXPECT_FALSE(drawnExtent().isEmpty());
+}
+
+TEST_F(ImageHUDTest, SaysSoAgainWhenAPictureThatWasThereGoesMissing)
+{
+    const std::string line = "I cannot read the image again.png. Imagine it.\n";
+    OutputCapture output;
+    auto element = shown(makesImage("again.png", {0.5f, 0.5f}, {0, 0}, 4));
+    EXPECT_EQ(output.text(), line);
+    writesPicture("again.png", 10, 10, {1, 0, 0, 1});
+    element->refresh();
+    EXPECT_EQ(output.text(), line);
+    ASSERT_EQ(std::remove("again.png"), 0);
+    element->refresh();
+    element->refresh();
+    EXPECT_EQ(output.text(), line + line);
 }
 
 TEST_F(ImageHUDTest, DrawsNothingForAPictureWithoutAPixel)

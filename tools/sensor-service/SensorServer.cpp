@@ -64,7 +64,9 @@ void SensorServer::sendFrame()
     frame.tellsGestures = behaviour.recognizesGestures;
     const QByteArray withGestures = frameMessage(frame);
     const bool someoneElseHasFocus = focusedCount() > 0;
-    for (const Client& client : clients) {
+    // Of a copy: to send may end a connection, and with it its place in the list.
+    const std::vector<Client> all = clients;
+    for (const Client& client : all) {
         if (!behaviour.mindsFocus || client.focused ||
             (client.background && !someoneElseHasFocus)) {
             client.socket->sendTextMessage(
@@ -85,7 +87,8 @@ void SensorServer::stream(bool on)
 
 void SensorServer::sendText(const QByteArray& text)
 {
-    for (const Client& client : clients) {
+    const std::vector<Client> all = clients;
+    for (const Client& client : all) {
         client.socket->sendTextMessage(QString::fromUtf8(text));
     }
 }
