@@ -56,7 +56,7 @@ osg::Vec3f alignmentRotation(const osg::Quat& orientation, const osg::Vec3f& fro
     double angle = 0.0;
     osg::Vec3d axis;
     rotation.getRotate(angle, axis);
-    if (angle > static_cast<double>(minAngle)) {
+    if (angle > double(minAngle)) {
         return osg::Vec3f(axis * angle);
     }
     return osg::Vec3f();

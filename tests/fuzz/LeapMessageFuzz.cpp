@@ -27,7 +27,7 @@ double processorSeconds()
 {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
 bool isUnit(const Leap::Vector& vector)

@@ -296,8 +296,8 @@ std::vector<PlayedHand> twoHands()
 PlayedHand handFor(const osg::Vec3d& up)
 {
     PlayedHand hand;
-    hand.roll = static_cast<float>(-std::asin(up.x()));
-    hand.pitch = static_cast<float>(-std::asin(up.y() / std::cos(double(hand.roll))));
+    hand.roll = float(-std::asin(up.x()));
+    hand.pitch = float(-std::asin(up.y() / std::cos(double(hand.roll))));
     return hand;
 }
 

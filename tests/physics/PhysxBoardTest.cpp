@@ -8,9 +8,11 @@
 using namespace physx;
 
 namespace {
+
 constexpr unsigned int boardId = 1, ballId = 2, firstBlock = 10;
 constexpr float coneAngle = 0.5235988f;
 constexpr float key = 0.1f;  // what a held key adds to the board's angular velocity in a tick
+
 }  // namespace
 
 /// The world as a level makes it: a flat board of boxes on its five joints, and a ball.

@@ -52,8 +52,8 @@ std::vector<PlayedHand> HandPad::hands() const
     PlayedHand right;
     right.id = handNumber;
     right.palm.setY(palmHeight);
-    const auto x = static_cast<float>(mouse.x());
-    const auto y = static_cast<float>(mouse.y());
+    const auto x = float(mouse.x());
+    const auto y = float(mouse.y());
     if (!secondHand) {
         // The ball rolls to the mouse: down where it is.
         right.roll = -farthestTilt * x;
@@ -109,7 +109,7 @@ void HandPad::leaveEvent(QEvent*)
 void HandPad::wheelEvent(QWheelEvent* event)
 {
     constexpr float notch = 120.0f;
-    const auto notches = static_cast<float>(event->angleDelta().y()) / notch;
+    const auto notches = float(event->angleDelta().y()) / notch;
     palmHeight = std::clamp(palmHeight + notches * heightPerNotch, lowest, highest);
     event->accept();
     emit changed();
@@ -143,7 +143,7 @@ void HandPad::paintGround(QPainter& painter) const
     constexpr int cell = 50;
     painter.setPen(QPen(grid, 1.0));
     for (int at = -reach; at <= reach; at += cell) {
-        const auto line = static_cast<float>(at);
+        const auto line = float(at);
         painter.drawLine(project({line, 0, -reach}), project({line, 0, reach}));
         painter.drawLine(project({-reach, 0, line}), project({reach, 0, line}));
     }

@@ -6,10 +6,10 @@ namespace {
 
 struct Finger
 {
-    float aside;  ///< of a right hand's knuckle, mm to the right of the palm's middle
+    float aside;  // of a right hand's knuckle, mm to the right of the palm's middle
     float knuckle;
-    float reach;   ///< mm from the palm's middle to the tip
-    float spread;  ///< mm that the tip is farther aside than the knuckle
+    float reach;   // mm from the palm's middle to the tip
+    float spread;  // mm that the tip is farther aside than the knuckle
 };
 
 // A grown-up's hand, fingers a little apart.

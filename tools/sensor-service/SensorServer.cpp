@@ -101,8 +101,8 @@ void SensorServer::dropClients(int closeCode)
 
 int SensorServer::focusedCount() const
 {
-    return static_cast<int>(std::count_if(clients.begin(), clients.end(),
-                                          [](const Client& client) { return client.focused; }));
+    return int(std::count_if(clients.begin(), clients.end(),
+                             [](const Client& client) { return client.focused; }));
 }
 
 void SensorServer::accept()

@@ -58,7 +58,7 @@ void CircleTracker::addToPath(std::int64_t time, const Vector& tip)
     while (old < path.size() && time - path[old].time > longestPathTime) {
         ++old;
     }
-    path.erase(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(old));
+    path.erase(path.begin(), path.begin() + std::ptrdiff_t(old));
 }
 
 // Goes back along the path, adding up how it turns, until there are three quarters of a turn.
@@ -153,7 +153,7 @@ CircleTracker::Report CircleTracker::stop()
 // the plane of normal; none when it is too small, too large or too little round.
 std::optional<CircleTracker::Fit> CircleTracker::fitFrom(std::size_t first) const
 {
-    const auto count = static_cast<float>(path.size() - first);
+    const auto count = float(path.size() - first);
     Vector mean;
     for (std::size_t i = first; i < path.size(); ++i) {
         mean = mean + path[i].position * (1.0f / count);
@@ -181,8 +181,8 @@ std::optional<CircleTracker::Fit> CircleTracker::fitFrom(std::size_t first) cons
     }
     const double uSide = 0.5 * (uuu + uvv);
     const double vSide = 0.5 * (vvv + vuu);
-    const auto u = static_cast<float>((uSide * vv - vSide * uv) / determinant);
-    const auto v = static_cast<float>((vSide * uu - uSide * uv) / determinant);
+    const auto u = float((uSide * vv - vSide * uv) / determinant);
+    const auto v = float((vSide * uu - uSide * uv) / determinant);
 
     Fit fit;
     fit.centre = mean + uAxis * u + vAxis * v;

@@ -76,7 +76,7 @@ void GestureRecognizer::follow(Finger& finger, const HandData& hand, const Point
     if (samples.size() > samplesForSpeed) {
         samples.pop_front();
     }
-    const auto seconds = static_cast<float>(sample.time - samples.front().time) * 1e-6f;
+    const auto seconds = float(sample.time - samples.front().time) * 1e-6f;
     sample.tipSpeed = length(sample.tip - samples.front().tip) / seconds;
 
     const bool wasCircling = finger.circle.isRunning();

@@ -68,7 +68,7 @@ std::optional<std::int64_t> wholeNumber(const Json& value)
     if (!read || std::fabs(*read) > largestWhole || *read != std::floor(*read)) {
         return std::nullopt;
     }
-    return static_cast<std::int64_t>(*read);
+    return std::int64_t(*read);
 }
 
 std::optional<Vector> vector(const Json& value, double limit)
@@ -83,7 +83,7 @@ std::optional<Vector> vector(const Json& value, double limit)
         if (!read || std::fabs(*read) > limit) {
             return std::nullopt;
         }
-        part[i] = static_cast<float>(*read);
+        part[i] = float(*read);
     }
     return Vector(part[0], part[1], part[2]);
 }
@@ -156,8 +156,7 @@ void readPointables(const Json& list, FrameData& frame, const std::set<std::int6
         data.extended = flag(field(object, "extended"), true);
         const auto finger = wholeNumber(field(object, "type"));
         const bool isTool = flag(field(object, "tool"), false);
-        data.finger =
-            finger && !isTool && *finger >= 0 && *finger <= 4 ? static_cast<int>(*finger) : -1;
+        data.finger = finger && !isTool && *finger >= 0 && *finger <= 4 ? int(*finger) : -1;
         frame.pointables.push_back(data);
     }
 }
@@ -218,8 +217,7 @@ void readGestures(const Json& list, FrameData& frame)
         }
         data.id = *id;
         const double progress = number(field(object, "progress")).value_or(0.0);
-        data.progress =
-            progress >= 0.0 && progress <= mostTurns ? static_cast<float>(progress) : 0.0f;
+        data.progress = progress >= 0.0 && progress <= mostTurns ? float(progress) : 0.0f;
         data.normal = direction(field(object, "normal")).value_or(Vector());
         data.pointable = pointableOf(object, frame);
         frame.gestures.push_back(data);
@@ -231,7 +229,7 @@ Message helloMessage(const Json& object)
     Message message;
     message.kind = Message::Kind::Hello;
     const auto version = wholeNumber(field(object, "version"));
-    message.version = version && std::abs(*version) <= 1000 ? static_cast<int>(*version) : 0;
+    message.version = version && std::abs(*version) <= 1000 ? int(*version) : 0;
     message.serviceVersion = text(field(object, "serviceVersion"));
     return message;
 }

@@ -84,7 +84,7 @@ void ServiceClient::receive(const QString& text)
 {
     heard = true;
     const QByteArray bytes = text.toUtf8();
-    switch (conversation->receive({bytes.constData(), static_cast<std::size_t>(bytes.size())})) {
+    switch (conversation->receive({bytes.constData(), std::size_t(bytes.size())})) {
     case Conversation::Verdict::GoOn:
         break;
     case Conversation::Verdict::Greeted:

@@ -13,7 +13,7 @@ constexpr std::size_t mostGesturesKept = 64;
 
 unsigned int bitOf(Gesture::Type type)
 {
-    return type < 0 ? 0u : 1u << static_cast<unsigned>(type);
+    return type < 0 ? 0u : 1u << unsigned(type);
 }
 
 }  // namespace

@@ -87,7 +87,7 @@ bool TapTracker::poke(const Sample& sample)
     if (travel > farthest) {
         turningPoint = sample;
         const float lately = forwardTravelLately(sample);
-        const auto window = static_cast<float>(sample.time - recent.front().time) * 1e-6f;
+        const auto window = float(sample.time - recent.front().time) * 1e-6f;
         fastEnough =
             fastEnough || (lately >= leastTravel && window > 0.0f && sample.pointsForward &&
                            (lately >= leastSpeed * window || sample.tipSpeed >= leastSpeed));

@@ -425,7 +425,7 @@ TEST(LeapLayer, PutsTogetherWhatArrivesInPieces)
         }
         const QByteArray text = emptyFrame(3);
         self.sends(QByteArray::fromHex("0105") + text.left(5) + QByteArray::fromHex("890161") +
-                   QByteArray::fromHex("80") + static_cast<char>(text.size() - 5) + text.mid(5));
+                   QByteArray::fromHex("80") + char(text.size() - 5) + text.mid(5));
         self.waitsForTheEnd();
     });
     Leap::setServiceAddress(peer.url());
@@ -453,8 +453,7 @@ TEST(LeapLayer, ReadsAMessageOfAlmostAMegabyteAndDropsWhatIsMalformed)
     const QByteArray large = emptyFrame(5);
     service.sendsText("{\"id\":nan}");
     service.sendsText("{\"id\":4,\"timestamp\":1,\"hands\":" + QByteArray(5000, '[') + "}");
-    service.sendsText(large +
-                      QByteArray(static_cast<int>(Leap::longestMessage) - large.size(), ' '));
+    service.sendsText(large + QByteArray(int(Leap::longestMessage) - large.size(), ' '));
     ASSERT_TRUE(game.eventually([&] { return game.player.frames == 1; }));
     EXPECT_EQ(game.player.lastFrame().id(), 5);
     EXPECT_EQ(service.connectionCount(), 1);

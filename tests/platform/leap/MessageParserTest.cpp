@@ -21,11 +21,11 @@ constexpr int mostMilliseconds = 50 * 20;  // instrumented code is that much slo
 #else
 constexpr int mostMilliseconds = 50;
 #endif
-constexpr int longest = static_cast<int>(Leap::longestMessage);
+constexpr int longest = int(Leap::longestMessage);
 
 Message parseMessage(const QByteArray& text)
 {
-    return Leap::parseMessage({text.constData(), static_cast<std::size_t>(text.size())});
+    return Leap::parseMessage({text.constData(), std::size_t(text.size())});
 }
 
 QByteArray recorded(const char* name)
@@ -358,18 +358,18 @@ TEST(MessageParser, StaysWithinItsLimitsWhateverTheTextIs)
     int frames = 0;
     for (int round = 0; round < 3000; ++round) {
         QByteArray text = originals[random() % 3];
-        const int changes = 1 + static_cast<int>(random() % 6);
+        const int changes = 1 + int(random() % 6);
         for (int i = 0; i < changes; ++i) {
-            const int at = static_cast<int>(random() % static_cast<unsigned>(text.size()));
+            const int at = int(random() % unsigned(text.size()));
             switch (random() % 3) {
             case 0:
                 text[at] = pieces[random() % (sizeof pieces - 1)];
                 break;
             case 1:
-                text.remove(at, 1 + static_cast<int>(random() % 40));
+                text.remove(at, 1 + int(random() % 40));
                 break;
             default:
-                text.insert(at, text.mid(static_cast<int>(random() % 4000), 30));
+                text.insert(at, text.mid(int(random() % 4000), 30));
                 break;
             }
             if (text.isEmpty()) {

@@ -91,8 +91,7 @@ TEST(MessageReader, LeavesOutFieldsThatNobodyAskedFor)
 TEST(MessageReader, StopsAtItsLimits)
 {
     const auto nested = [](int levels) {
-        return std::string(static_cast<std::size_t>(levels), '[') +
-               std::string(static_cast<std::size_t>(levels), ']');
+        return std::string(std::size_t(levels), '[') + std::string(std::size_t(levels), ']');
     };
     EXPECT_TRUE(isRead(nested(16)));
     EXPECT_FALSE(isRead(nested(17)));

@@ -53,7 +53,7 @@ bool RawPeer::shakesHands()
             return false;
         }
         if (count > 0) {
-            request.append(buffer, static_cast<int>(count));
+            request.append(buffer, int(count));
         } else {
             waits(1);
         }
@@ -74,10 +74,10 @@ bool RawPeer::sends(const QByteArray& bytes)
 {
     int sent = 0;
     while (sent < bytes.size() && !over) {
-        const ssize_t count = send(client, bytes.constData() + sent,
-                                   static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL);
+        const ssize_t count =
+            send(client, bytes.constData() + sent, std::size_t(bytes.size() - sent), MSG_NOSIGNAL);
         if (count > 0) {
-            sent += static_cast<int>(count);
+            sent += int(count);
         } else if (errno == EAGAIN) {
             pollfd full{client, POLLOUT, 0};
             poll(&full, 1, pollInterval);
@@ -90,13 +90,13 @@ bool RawPeer::sends(const QByteArray& bytes)
 
 QByteArray RawPeer::textFrame(const QByteArray& text)
 {
-    QByteArray frame(1, static_cast<char>(0x81));
+    QByteArray frame(1, char(0x81));
     if (text.size() < 126) {
-        frame.append(static_cast<char>(text.size()));
+        frame.append(char(text.size()));
     } else {
-        frame.append(static_cast<char>(126));
-        frame.append(static_cast<char>(text.size() >> 8));
-        frame.append(static_cast<char>(text.size() & 0xff));
+        frame.append(char(126));
+        frame.append(char(text.size() >> 8));
+        frame.append(char(text.size() & 0xff));
     }
     return frame + text;
 }
