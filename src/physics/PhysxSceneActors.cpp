@@ -37,9 +37,9 @@ bool hasSolidShape(const PxRigidActor& actor)
 template <typename Measure>
 PxVec3 farthest(const std::vector<PxVec3>& points, const Measure& measure)
 {
-    return *std::max_element(points.begin(), points.end(), [&](const PxVec3& a, const PxVec3& b) {
-        return measure(a) < measure(b);
-    });
+    return *std::max_element(
+        points.begin(), points.end(),
+        [&](const PxVec3& a, const PxVec3& b) { return measure(a) < measure(b); });
 }
 
 /// Points on one spot, line or plane have no hull. Cooking would give them a thickness of its own.

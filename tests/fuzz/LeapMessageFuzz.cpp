@@ -18,9 +18,8 @@ constexpr double longestParsing = 0.05;  // s
 
 void require(bool condition)
 {
-    if (!condition) {
+    if (!condition)
         std::abort();
-    }
 }
 
 double processorSeconds()
@@ -72,9 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             const Leap::Message message = Leap::parseMessage(line);
             require(processorSeconds() - begin <= longestParsing);
             requireSane(message.frame);
-            if (conversation.receive(line) == Leap::Conversation::Verdict::Hopeless) {
+            if (conversation.receive(line) == Leap::Conversation::Verdict::Hopeless)
                 break;
-            }
         }
     }
     return 0;

@@ -238,19 +238,17 @@ std::vector<HandGameTest::Line> HandGameTest::lines() const
 
 bool HandGameTest::reads(const std::string& text) const
 {
-    for (const Line& line : lines()) {
+    for (const Line& line : lines())
         if (line.text == text)
             return true;
-    }
     return false;
 }
 
 std::string HandGameTest::selectedLine() const
 {
-    for (const Line& line : lines()) {
+    for (const Line& line : lines())
         if (line.height == titleHeight && line.text != menuTitle)
             return line.text;
-    }
     return std::string();
 }
 

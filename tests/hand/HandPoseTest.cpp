@@ -108,12 +108,10 @@ TEST(AlignmentRotation, IsNothingAtNineHundredthsAndAllOfItAtEleven)
 
 TEST(AlignmentRotation, TellsTheRestPoseFromItsNeighbours)
 {
-    for (const Leap::Hand& hand : {pitchedHand(0.24), pitchedHand(-0.24), rolledHand(0.24)}) {
+    for (const Leap::Hand& hand : {pitchedHand(0.24), pitchedHand(-0.24), rolledHand(0.24)})
         EXPECT_LT(errorOf(hand, 0.0f).length(), 0.25f);
-    }
-    for (const Leap::Hand& hand : {pitchedHand(0.26), pitchedHand(-0.26), rolledHand(0.26)}) {
+    for (const Leap::Hand& hand : {pitchedHand(0.26), pitchedHand(-0.26), rolledHand(0.26)})
         EXPECT_GT(errorOf(hand, 0.0f).length(), 0.25f);
-    }
 }
 
 TEST(AlignmentRotation, LiftsTheFarEdgeForRaisedFingertips)
@@ -164,9 +162,8 @@ TEST(AlignmentRotation, BringsAnyPoseToAnyOtherThatIsTwistedOnly)
         const osg::Vec3f toDown = board * down;
         osg::Vec3f toForward = poses.unitVector() ^ toDown;
         toForward.normalize();
-        if ((board * forward) * toForward < -0.99f) {
+        if ((board * forward) * toForward < -0.99f)
             continue;  // of half a turn nobody can tell about which axis it is
-        }
         const osg::Vec3f vector = alignmentRotation(board, down, toDown, forward, toForward, 0.0f);
         ASSERT_LE(vector.length(), pi + 1e-4);
         const osg::Quat rotation(vector.length(), osg::Vec3d(vector));

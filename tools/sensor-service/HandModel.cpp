@@ -37,10 +37,8 @@ std::array<QVector3D, 5> fingerJoints(const PlayedHand& hand, int number)
         joints[2 + bone] = place(finger.aside + shares[bone] * finger.spread,
                                  finger.knuckle + shares[bone] * (finger.reach - finger.knuckle));
     }
-    if (number == indexFinger) {
-        for (int bone = 0; bone < 3; ++bone) {
+    if (number == indexFinger)
+        for (int bone = 0; bone < 3; ++bone)
             joints[2 + bone] += hand.tipOffset * shares[bone];
-        }
-    }
     return joints;
 }

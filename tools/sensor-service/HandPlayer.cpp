@@ -65,9 +65,8 @@ bool HandPlayer::moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& fram
     const double time = movement.time - restTime;
     const double depth = 1.0 - std::fabs(std::clamp(time, 0.0, 2.0 * pokeTime) / pokeTime - 1.0);
     hand.tipOffset = QVector3D(0.0f, 0.0f, -pokeDepth * float(depth));
-    if (before < 2.0 * pokeTime && time >= 2.0 * pokeTime) {
+    if (before < 2.0 * pokeTime && time >= 2.0 * pokeTime)
         frame.gestures.push_back(report(movement, hand, "stop"));
-    }
     return time < 2.0 * pokeTime + restTime;
 }
 
@@ -85,9 +84,8 @@ bool HandPlayer::moveCircle(Movement& movement, PlayedHand& hand, PlayedFrame& f
         QVector3D(sense * std::sin(angle), std::cos(angle) - 1.0f, 0.0f) * radius * away;
 
     if (before < movement.turns && turned >= movement.turns) {
-        if (movement.turns >= startProgress) {
+        if (movement.turns >= startProgress)
             frame.gestures.push_back(report(movement, hand, "stop"));
-        }
     } else if (turned >= startProgress && turned < movement.turns) {
         frame.gestures.push_back(
             report(movement, hand, before < startProgress ? "start" : "update"));

@@ -130,17 +130,19 @@ std::shared_ptr<Playback> Mixer::play(std::shared_ptr<Sample> sample)
 
 void Mixer::reclaimFinished()
 {
-    playbacks.erase(std::remove_if(playbacks.begin(), playbacks.end(),
-                                   [](const auto& playback) { return playback->isOver(); }),
+    playbacks.erase(std::remove_if(
+                        playbacks.begin(), playbacks.end(),
+                        [](const auto& playback) { return playback->isOver(); }),
                     playbacks.end());
 }
 
 void Mixer::stealQuietest()
 {
-    playbacks.erase(std::min_element(playbacks.begin(), playbacks.end(),
-                                     [](const auto& left, const auto& right) {
-                                         return left->audibility() < right->audibility();
-                                     }));
+    playbacks.erase(std::min_element(
+        playbacks.begin(), playbacks.end(),
+        [](const auto& left, const auto& right) {
+            return left->audibility() < right->audibility();
+        }));
 }
 
 int Mixer::freeChannel() const

@@ -23,9 +23,8 @@ bool holds(const List& list, int index)
 float Vector::angleTo(const Vector& other) const
 {
     const float product = magnitudeSquared() * other.magnitudeSquared();
-    if (!(product > 0.0f)) {
+    if (!(product > 0.0f))
         return 0.0f;
-    }
     const float cosine = dot(other) / std::sqrt(product);
     return std::acos(std::fmax(-1.0f, std::fmin(1.0f, cosine)));
 }
@@ -74,9 +73,8 @@ int HandList::count() const
 
 Hand HandList::operator[](int index) const
 {
-    if (!frame || !holds(frame->hands, index)) {
+    if (!frame || !holds(frame->hands, index))
         return Hand();
-    }
     return Hand(frame, std::size_t(index));
 }
 
@@ -134,9 +132,8 @@ int GestureList::count() const
 
 Gesture GestureList::operator[](int index) const
 {
-    if (!frame || !holds(frame->gestures, index)) {
+    if (!frame || !holds(frame->gestures, index))
         return Gesture();
-    }
     return Gesture(frame, std::size_t(index));
 }
 

@@ -38,13 +38,11 @@ public:
         for (int i = 0; i < count; ++i) {
             ++frames;
             const double time = double(i) / rate;
-            if (dropped && frames % dropped == 0) {
+            if (dropped && frames % dropped == 0)
                 continue;
-            }
             FrameData frame = frameWithTip(path(time));
-            if (change) {
+            if (change)
                 change(time, frame);
-            }
             recognizer.recognize(frame);
             seen.insert(seen.end(), frame.gestures.begin(), frame.gestures.end());
         }
@@ -110,9 +108,11 @@ FingerTrack::Path poke(double depth, double oneWay)
 
 int count(const std::vector<GestureData>& gestures, Gesture::Type type, Gesture::State state)
 {
-    return int(std::count_if(gestures.begin(), gestures.end(), [=](const GestureData& gesture) {
-        return gesture.type == type && gesture.state == state;
-    }));
+    return int(std::count_if(
+        gestures.begin(), gestures.end(),
+        [=](const GestureData& gesture) {
+            return gesture.type == type && gesture.state == state;
+        }));
 }
 
 int taps(const std::vector<GestureData>& gestures)

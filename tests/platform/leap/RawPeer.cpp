@@ -24,9 +24,8 @@ RawPeer::RawPeer(std::function<void(RawPeer&)> script_) : script(std::move(scrip
     socklen_t size = sizeof address;
     if (bind(listening, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
         listen(listening, 16) != 0 ||
-        getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+        getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size) != 0)
         qFatal("no free port for a bare peer");
-    }
     port = ntohs(address.sin_port);
     thread = std::thread([this] { serve(); });
 }
@@ -49,14 +48,12 @@ bool RawPeer::shakesHands()
     char buffer[1024];
     while (!request.contains("\r\n\r\n")) {
         const ssize_t count = recv(client, buffer, sizeof buffer, 0);
-        if (count == 0 || over) {
+        if (count == 0 || over)
             return false;
-        }
-        if (count > 0) {
+        if (count > 0)
             request.append(buffer, int(count));
-        } else {
+        else
             waits(1);
-        }
     }
     const QByteArray name = "Sec-WebSocket-Key: ";
     const int at = request.indexOf(name) + name.size();
@@ -106,9 +103,8 @@ void RawPeer::waitsForTheEnd()
     char buffer[1024];
     while (!over) {
         const ssize_t count = recv(client, buffer, sizeof buffer, 0);
-        if (count == 0 || (count < 0 && errno != EAGAIN)) {
+        if (count == 0 || (count < 0 && errno != EAGAIN))
             return;
-        }
         pollfd silent{client, POLLIN, 0};
         poll(&silent, 1, pollInterval);
     }
@@ -116,22 +112,19 @@ void RawPeer::waitsForTheEnd()
 
 void RawPeer::waits(int milliseconds)
 {
-    for (int i = 0; i < milliseconds && !over; ++i) {
+    for (int i = 0; i < milliseconds && !over; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
 }
 
 void RawPeer::serve()
 {
     while (!over) {
         pollfd waiting{listening, POLLIN, 0};
-        if (poll(&waiting, 1, pollInterval) <= 0) {
+        if (poll(&waiting, 1, pollInterval) <= 0)
             continue;
-        }
         client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (client < 0) {
+        if (client < 0)
             continue;
-        }
         ++connections;
         script(*this);
         close(client);
