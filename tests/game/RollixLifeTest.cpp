@@ -4,6 +4,8 @@
 #include "hand/LeapManager.h"
 #include "level/Level.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <gtest/gtest.h>
 #include <osg/observer_ptr>
 
@@ -11,7 +13,7 @@
 
 namespace {
 
-TEST(RollixLife, BeginsWaitingForTheHandAndEndsWithoutATrace)
+TEST(RollixLife, BeginsWaitingForTheHandAndLeavesSensorAndWindowWithoutATrace)
 {
     auto widget = std::make_unique<OsgViewerWidget>();
     auto* game = new Rollix(widget.get());
@@ -29,11 +31,28 @@ TEST(RollixLife, BeginsWaitingForTheHandAndEndsWithoutATrace)
     const osg::observer_ptr<Level> level(game->level.get());
     const osg::observer_ptr<osg::Node> scene(game->getSceneData());
     GameLoop::attach(nullptr);
-    LeapManager::removeListener();
     widget->removeView(game);
     EXPECT_FALSE(itself.valid());
     EXPECT_FALSE(level.valid());
     EXPECT_FALSE(scene.valid());
+
+    // Nobody is there any more to hear of it.
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+    QCoreApplication::sendEvent(widget.get(), &press);
+    EXPECT_FALSE(press.isAccepted());
+    Leap::Listener next;
+    LeapManager::setListener(&next);
+    LeapManager::removeListener();
+}
+
+TEST(RollixLife, EndsWithItsWindow)
+{
+    auto widget = std::make_unique<OsgViewerWidget>();
+    auto* game = new Rollix(widget.get());
+    widget->addView(game);
+    const osg::observer_ptr<osg::View> itself(game);
+    widget.reset();
+    EXPECT_FALSE(itself.valid());
 }
 
 }  // namespace
