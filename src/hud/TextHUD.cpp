@@ -93,8 +93,8 @@ void TextHUD::build()
     drawable->setBackdropType(osgText::Text::OUTLINE);
     drawable->setAxisAlignment(osgText::TextBase::SCREEN);
     // Whole pixels keep the glyphs sharp.
-    const int x = static_cast<int>(getWidth() * position.x());
-    const int y = static_cast<int>(getHeight() * position.y());
+    const int x = int(getWidth() * position.x());
+    const int y = int(getHeight() * position.y());
     drawable->setPosition(osg::Vec3(x, y, 0));
     drawable->setColor(color);
     drawable->setAlignment(alignment);

@@ -117,10 +117,9 @@ void BlockCheckpoint::passFlag()
 
 void BlockCheckpoint::reachGoal()
 {
-    for (const BlockCheckpoint* other : allCheckpoints) {
+    for (const BlockCheckpoint* other : allCheckpoints)
         if (other->type == CheckpointType::Checkpoint && other->required && !other->passed)
             return;
-    }
     level->changeCoins(coins);
     level->complete();
 }

@@ -76,10 +76,9 @@ void ShaderProgram::endSharing()
 {
     sharedWith = nullptr;
     program = new osg::Program;
-    for (const osg::ref_ptr<Shader>& stage : {vertexShader, geometryShader, fragmentShader}) {
+    for (const osg::ref_ptr<Shader>& stage : {vertexShader, geometryShader, fragmentShader})
         if (stage)
             program->addShader(stage->shader);
-    }
     install();
 }
 

@@ -130,10 +130,9 @@ protected:
             ++place;
         };
         add(135, 100);
-        for (const int hue : {135, 270, 225, 180, 0, 45, 315}) {
+        for (const int hue : {135, 270, 225, 180, 0, 45, 315})
             for (const int saturation : {50, 60, 70, 80, 90})
                 add(hue, saturation);
-        }
         add(135, 70, 78);
         add(90, 100, 60);
         return picture;

@@ -32,10 +32,9 @@ protected:
     int pixelsNear(const osg::Vec3i& color, int tolerance = 12)
     {
         int count = 0;
-        for (int y = 0; y < windowHeight; ++y) {
+        for (int y = 0; y < windowHeight; ++y)
             for (int x = 0; x < windowWidth; ++x)
                 count += isNear(offscreen.pixel(x, y), color, tolerance);
-        }
         return count;
     }
 };

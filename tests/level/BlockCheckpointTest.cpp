@@ -106,9 +106,8 @@ TEST_F(BlockCheckpointTest, DrawsTheLineBetweenItsKindsWhereThePictureDoes)
         osg::Uniform* color = uniformBelow(blockAt(column, 0)->getTransform(), "a_FlagColor");
         const bool isCheckpoint = column >= 2 && column <= 5;
         ASSERT_EQ(color != nullptr, isCheckpoint);
-        if (isCheckpoint) {
+        if (isCheckpoint)
             EXPECT_EQ(valueOf<osg::Vec4f>(color).r() > 0.5f, column <= 3) << "red if required";
-        }
     }
     EXPECT_EQ(uniform<int>(blockAt(0, 1), "a_FlagType"), 1);
     EXPECT_GT(uniform<osg::Vec4f>(blockAt(0, 1), "a_FlagColor").b(), 0.5f);

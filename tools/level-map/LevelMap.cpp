@@ -30,10 +30,9 @@ double springRise(const LevelPixel& pixel)
 
 LevelMap::LevelMap(const QImage& picture) : columns(picture.width()), rows(picture.height())
 {
-    for (int row = 0; row < rows; ++row) {
+    for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
             pixels.push_back(LevelPixel::decode(picture.pixel(column, row)));
-    }
 }
 
 const LevelPixel& LevelMap::pixel(const CellPosition& cell) const
@@ -71,10 +70,9 @@ std::vector<CellPosition> LevelMap::cellsWhere(const PixelTest& is) const
 {
     std::vector<CellPosition> found;
     for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
+        for (int column = 0; column < columns; ++column)
             if (is(pixel({column, row})))
                 found.push_back({column, row});
-        }
     }
     return found;
 }
@@ -103,10 +101,9 @@ bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double dr
     if (!hasFloor(from) || !hasFloor(to))
         return false;
     for (const double fromShift : shifts(from)) {
-        for (const double toShift : shifts(to)) {
+        for (const double toShift : shifts(to))
             if (rollsAt(from, fromShift, to, toShift, drop))
                 return true;
-        }
     }
     return false;
 }
@@ -147,10 +144,12 @@ bool LevelMap::isDanger(const CellPosition& cell) const
 
 bool LevelMap::isNextToDanger(const CellPosition& cell) const
 {
-    return std::any_of(std::begin(steps), std::end(steps), [&](const auto& step) {
-        const CellPosition next{cell.column + step[0], cell.row + step[1]};
-        return contains(next) && isDanger(next);
-    });
+    return std::any_of(
+        std::begin(steps), std::end(steps),
+        [&](const auto& step) {
+            const CellPosition next{cell.column + step[0], cell.row + step[1]};
+            return contains(next) && isDanger(next);
+        });
 }
 
 bool LevelMap::isSpring(const CellPosition& cell) const
@@ -211,10 +210,9 @@ std::vector<CellPosition> LevelMap::crossings(const CellPosition& portal) const
     for (const CellPosition& partner : cellsWhere([&](const LevelPixel& other) {
              return blockKindOfHue(other.hue) == BlockKind::Portal &&
                     other.alpha == pixel(portal).alpha;
-         })) {
+         }))
         if (!(partner == portal) && hasFloor(beforeMouth(partner)))
             ends.push_back(beforeMouth(partner));
-    }
     return ends;
 }
 

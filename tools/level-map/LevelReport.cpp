@@ -57,11 +57,10 @@ LevelReport::LevelReport(const QImage& picture) : map(picture)
 {
     const auto built = [this](CheckpointType type) {
         Cells cells;
-        for (const CellPosition& cell : map.cellsWhere(
-                 [type](const LevelPixel& pixel) { return isCheckpoint(pixel, type); })) {
+        for (const CellPosition& cell :
+             map.cellsWhere([type](const LevelPixel& pixel) { return isCheckpoint(pixel, type); }))
             if (map.hasFloor(cell))
                 cells.push_back(cell);
-        }
         return cells;
     };
     starts = built(CheckpointType::Start);
@@ -204,10 +203,9 @@ int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out)
     }
     const LevelReport report(picture);
     out << file << ": " << report.summary() << std::endl;
-    if (!onlyWarnings) {
+    if (!onlyWarnings)
         for (const std::string& line : report.blocks())
             out << "  " << line << std::endl;
-    }
     const std::vector<std::string> warnings = report.warnings();
     for (const std::string& line : warnings)
         out << "  warning: " << line << std::endl;
