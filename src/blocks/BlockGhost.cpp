@@ -63,11 +63,7 @@ void BlockGhost::shareProgram()
     if (ghosts->shaderProgram)
         return;
     osg::ref_ptr<ShaderProgram> program = new ShaderProgram(ghosts);
-    program->setVertexShader(game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER));
-    program->setFragmentShader(
-        game()->sharedShader("ghostShader.frag", GL_FRAGMENT_SHADER,
-                             {"data/classicnoise3D.glsl", "data/wood.glsl",
-                              "data/easeFunctions.glsl", "data/phong_frag.glsl"}));
+    game()->setSharedStages(*program, "ghost");
     osg::StateSet* stateSet = ghosts->getOrCreateStateSet();
     stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);
     stateSet->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);

@@ -34,7 +34,6 @@ private:
     class BlockItemCallback;
 
     void createDisplay(int count);
-    void createProgram(osg::Node* display);
     void endWeight();
     void setBallMotion(unsigned int motion);
 

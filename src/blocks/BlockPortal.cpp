@@ -121,7 +121,7 @@ void BlockPortal::createMouth()
     cylinder->setRotation(outward);
     osg::ref_ptr<osg::ShapeDrawable> mouth = new osg::ShapeDrawable(cylinder);
     mouth->setColor(mouthColor);
-    mouthProgram = addStandardProgram(addDecoration(mouth), game());
+    mouthProgram = addProgram(addDecoration(mouth), "standard", game());
 }
 
 void BlockPortal::onBallEnter(Ball*)

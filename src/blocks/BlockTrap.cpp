@@ -155,11 +155,7 @@ void BlockTrap::createMine()
     sphere = new osg::Sphere(osg::Vec3f(0.0f, 0.0f, surfaceHeight() + mineRadius), mineRadius);
     shapeDrawable = new osg::ShapeDrawable(sphere);
     shapeDrawable->setColor(red);
-    shapeProgram = addProgram(
-        addDecoration(shapeDrawable),
-        game()->sharedShader("mineShader.vert", GL_VERTEX_SHADER, {"data/phong_vert.glsl"},
-                             "phong();"),
-        game()->sharedShader("mineShader.frag", GL_FRAGMENT_SHADER, {"data/phong_frag.glsl"}));
+    shapeProgram = addProgram(addDecoration(shapeDrawable), "mine", game());
 }
 
 void BlockTrap::setMineRadius(float radius)
@@ -271,7 +267,7 @@ void BlockTrap::createWellDisc()
     cylinder = new osg::Cylinder(osg::Vec3f(0.0f, 0.0f, surfaceHeight()), radius, discHeight);
     shapeDrawable = new osg::ShapeDrawable(cylinder);
     shapeDrawable->setColor(black);
-    shapeProgram = addStandardProgram(addDecoration(shapeDrawable), game());
+    shapeProgram = addProgram(addDecoration(shapeDrawable), "standard", game());
 }
 
 void BlockTrap::pullBall()

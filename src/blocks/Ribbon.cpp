@@ -57,8 +57,7 @@ void Ribbon::createGeode()
 {
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     program = new ShaderProgram(geode);
-    program->setVertexShader(game->shaderPrograms["standardShader.vert"]);
-    program->setFragmentShader(game->shaderPrograms["standardShader.frag"]);
+    game->setSharedStages(*program, "standard");
     geode->addDrawable(geometry);
     osg::StateSet* stateSet = geode->getOrCreateStateSet();
     stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);

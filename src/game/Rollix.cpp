@@ -14,6 +14,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
+#include "shaders/StageRecipes.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
@@ -179,19 +180,21 @@ void Rollix::levelFailed()
     showMessage("Not even close...", badNews);
 }
 
-ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles,
-                                            const std::string& startMainCode)
+ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
-    if (!shader) {
-        shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
-        for (const std::string& file : preMainFiles)
-            shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
-        if (!startMainCode.empty())
-            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
-    }
+    if (!shader)
+        shader = makeStage(name);
     return shader;
+}
+
+void Rollix::setSharedStages(ShaderProgram& program, const std::string& programName)
+{
+    const ProgramRecipe& recipe = programRecipe(programName);
+    program.setVertexShader(sharedShader(recipe.vertexStage));
+    if (!recipe.geometryStage.empty())
+        program.setGeometryShader(sharedShader(recipe.geometryStage));
+    program.setFragmentShader(sharedShader(recipe.fragmentStage));
 }
 
 void Rollix::update()

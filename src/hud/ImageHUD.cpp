@@ -29,7 +29,7 @@ void ImageHUD::init(ContainerHUD* parentContainer)
 
 void ImageHUD::initShader()
 {
-    shader = installOverlayShader(*geode, "imageShader", "imageTexture");
+    shader = installOverlayShader(*geode, "image", "imageTexture");
 }
 
 void ImageHUD::build()

@@ -43,7 +43,7 @@ void TextHUD::init(ContainerHUD* parentContainer)
 
 void TextHUD::initShader()
 {
-    shader = installOverlayShader(*geode, "textShader", "GlyphTexture");
+    shader = installOverlayShader(*geode, "text", "GlyphTexture");
 }
 
 void TextHUD::build()

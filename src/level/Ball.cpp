@@ -8,6 +8,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
 #include <osg/ShapeDrawable>
 
@@ -55,15 +56,8 @@ void Ball::createSphere()
 
 void Ball::createShader()
 {
-    // Stages of its own, not the shared ones: the same vertex text lights the ball here, for a
-    // geometry stage that draws it split over two portals' mouths.
     shader = new ShaderProgram(transform);
-    shader->setVertexShader("data/Rollix/standardShader.vert");
-    shader->vertexShader->addFileInjection("data/phong_vert-withgeom.glsl", "//HOTSPOT_PRE_MAIN");
-    shader->vertexShader->addCodeInjection("phong();", "//HOTSPOT_START_MAIN");
-    shader->setGeometryShader("data/Rollix/portalBallShader.geom");
-    shader->setFragmentShader("data/Rollix/portalBallShader.frag");
-    shader->fragmentShader->addFileInjection("data/phong_frag.glsl", "//HOTSPOT_PRE_MAIN");
+    setOwnStages(*shader, "ball");
     transform->getOrCreateStateSet()->addUniform(new osg::Uniform("a_PortalActive", false),
                                                  osg::StateAttribute::ON);
 }

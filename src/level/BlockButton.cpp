@@ -77,12 +77,7 @@ void BlockButton::createCap()
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
     color = std::make_unique<UniformAnimation<osg::Vec4f>>(stateSet, "a_Color", behaviour.color);
 
-    capShader =
-        addProgram(capGeode,
-                   game()->sharedShader("animationShader.vert", GL_VERTEX_SHADER,
-                                        {"data/easeFunctions.glsl", "data/phong_vert.glsl"}),
-                   game()->sharedShader("animationShader.frag", GL_FRAGMENT_SHADER,
-                                        {"data/easeFunctions.glsl", "data/phong_frag.glsl"}));
+    capShader = addProgram(capGeode, "buttonCap", game());
 
     osg::Vec3d alongSlope(1.0, 0.0, highHeight - lowHeight);
     alongSlope.normalize();

@@ -97,11 +97,7 @@ void BlockCheckpoint::createFlag()
             osg::StateAttribute::ON);
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
 
-    flagShader = addProgram(
-        flagGeode,
-        game()->sharedShader("flagShader.vert", GL_VERTEX_SHADER, {"data/easeFunctions.glsl"}),
-        game()->sharedShader("flagShader.frag", GL_FRAGMENT_SHADER));
-
+    flagShader = addProgram(flagGeode, "flag", game());
     createPole();
 }
 

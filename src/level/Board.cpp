@@ -129,11 +129,7 @@ void Board::createBody()
 void Board::createShader()
 {
     shader = new ShaderProgram(root);
-    shader->setVertexShader(game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER,
-                                                 {"data/rotation.glsl", "data/phong_vert.glsl"}));
-    shader->setFragmentShader(game()->sharedShader(
-        "boardShader.frag", GL_FRAGMENT_SHADER,
-        {"data/classicnoise3D.glsl", "data/wood.glsl", "data/phong_frag.glsl"}));
+    game()->setSharedStages(*shader, "board");
 }
 
 void Board::createBlocks(const QImage& image)

@@ -77,8 +77,7 @@ Level::~Level()
 void Level::createShader()
 {
     shader = new ShaderProgram(root);
-    shader->setVertexShader(game_->sharedShader("standardShader.vert", GL_VERTEX_SHADER));
-    shader->setFragmentShader(game_->sharedShader("standardShader.frag", GL_FRAGMENT_SHADER));
+    game_->setSharedStages(*shader, "standard");
 }
 
 void Level::createBoard()

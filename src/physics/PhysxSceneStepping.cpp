@@ -49,7 +49,10 @@ bool PhysxScene::createScene(const osg::Vec3f& gravity)
         description.cpuDispatcher = PxDefaultCpuDispatcherCreate(workerThreads, nullptr);
     description.filterShader = filterShader;
 
-    scene = PhysxManager::physics()->createScene(description);
+    // The release build of PhysX leaves these checks out.
+    scene = description.isValid() && description.gravity.isFinite()
+                ? PhysxManager::physics()->createScene(description)
+                : nullptr;
     if (!scene) {
         say("Unable to create Scene");
         return false;

@@ -1,5 +1,7 @@
 #include "physics/PhysxTestScene.h"
 
+#include <limits>
+
 using namespace physx;
 
 class PhysxSceneStepping : public PhysxTest
@@ -11,6 +13,20 @@ TEST_F(PhysxSceneStepping, UsesTheGravityOfItsCreation)
     EXPECT_EQ(scene->scene->getGravity(), PxVec3(0.0f, 0.0f, -9.81f));
     EXPECT_TRUE(scene->scene->getFlags().isSet(PxSceneFlag::eENABLE_CCD));
     EXPECT_EQ(scene->scene->getCpuDispatcher()->getWorkerCount(), 1u);
+}
+
+TEST_F(PhysxSceneStepping, IsRefusedAGravityThatIsNoNumber)
+{
+    osg::ref_ptr<TestScene> refused = new TestScene;
+    EXPECT_EQ(outputOf([&] {
+                  EXPECT_FALSE(refused->createScene(
+                      osg::Vec3f(0.0f, 0.0f, std::numeric_limits<float>::quiet_NaN())));
+              }),
+              "Unable to create Scene\n");
+    EXPECT_EQ(refused->scene, nullptr);
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(refused->createScene(osg::Vec3f(0.0f, 0.0f, -1.0f))); }),
+              "");
+    EXPECT_NE(refused->scene, nullptr);
 }
 
 TEST_F(PhysxSceneStepping, RunsACommandOfAContactInTheNextStep)

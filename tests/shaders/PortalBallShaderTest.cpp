@@ -2,6 +2,7 @@
 #include "platform/osgqt/GLWidget.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -90,13 +91,7 @@ protected:
         uniforms()->addUniform(new osg::Uniform("a_PortalActive", false));
 
         shader = new ShaderProgram(ball);
-        shader->setVertexShader("data/Rollix/standardShader.vert");
-        shader->vertexShader->addFileInjection("data/phong_vert-withgeom.glsl",
-                                               "//HOTSPOT_PRE_MAIN");
-        shader->vertexShader->addCodeInjection("phong();", "//HOTSPOT_START_MAIN");
-        shader->setGeometryShader("data/Rollix/portalBallShader.geom");
-        shader->setFragmentShader("data/Rollix/portalBallShader.frag");
-        shader->fragmentShader->addFileInjection("data/phong_frag.glsl", "//HOTSPOT_PRE_MAIN");
+        setOwnStages(*shader, "ball");
     }
 
     osg::StateSet* uniforms() { return ball->getOrCreateStateSet(); }
