@@ -1,6 +1,6 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxLists.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
 #include <unordered_set>

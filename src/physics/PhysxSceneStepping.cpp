@@ -1,6 +1,6 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxManager.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
 #include <QMutexLocker>

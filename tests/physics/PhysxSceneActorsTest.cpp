@@ -1,3 +1,4 @@
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
 
 #include <cmath>
@@ -239,7 +240,7 @@ TEST_F(PhysxSceneActors, WeighABoxByItsFullEdges)
 
 TEST_F(PhysxSceneActors, WeighASphereAndAConvexByTheirVolume)
 {
-    scene->createSphere(0, 0.3, 1.0, "holz", 0, 4, 3);
+    scene->createSphere(0, world::ballRadius, world::ballDensity, "holz", 0, 4, 3);
     EXPECT_NEAR(scene->body(0)->getMass(), 4.0f / 3.0f * 3.14159265f * 0.027f, 1e-4f);
     EXPECT_TRUE(convex(1, unitCube()));
     EXPECT_NEAR(scene->body(1)->getMass(), 1.0f, 1e-3f);
@@ -262,7 +263,7 @@ TEST_F(PhysxSceneActors, MakeOneBodyOfManyShapes)
 
 TEST_F(PhysxSceneActors, PutTheFilterWordsIntoTheFirstTwo)
 {
-    scene->createSphere(0, 0.3, 1.0, "holz", 0, 4, 3);
+    scene->createSphere(0, world::ballRadius, world::ballDensity, "holz", 0, 4, 3);
     PxShape* shape = nullptr;
     scene->actors.at(0)->getShapes(&shape, 1);
     const PxFilterData data = shape->getSimulationFilterData();

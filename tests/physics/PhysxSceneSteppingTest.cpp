@@ -1,3 +1,4 @@
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
 
 #include <limits>
@@ -10,7 +11,7 @@ class PhysxSceneStepping : public PhysxTest
 
 TEST_F(PhysxSceneStepping, UsesTheGravityOfItsCreation)
 {
-    EXPECT_EQ(scene->scene->getGravity(), PxVec3(0.0f, 0.0f, -9.81f));
+    EXPECT_EQ(scene->scene->getGravity(), PxVec3(0.0f, 0.0f, -world::gravity));
     EXPECT_TRUE(scene->scene->getFlags().isSet(PxSceneFlag::eENABLE_CCD));
     EXPECT_EQ(scene->scene->getCpuDispatcher()->getWorkerCount(), 1u);
 }
@@ -118,7 +119,7 @@ TEST_F(PhysxSceneStepping, CollidesASolidPairOfOtherWordsWithoutAReport)
     scene->createPlane(0, "holz", {0, 0, 0}, {0, 0, 1}, 1, 8);
     ball(1, {0, 0, 0.5f});
     scene->steps(60);
-    EXPECT_NEAR(scene->position(1).z(), 0.3f, 0.02f);
+    EXPECT_NEAR(scene->position(1).z(), world::ballRadius, 0.02f);
     EXPECT_EQ(scene->contacts, 0);
 }
 

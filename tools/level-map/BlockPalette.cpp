@@ -2,6 +2,7 @@
 
 #include "BlockWords.h"
 #include "LevelColor.h"
+#include "level/BlockShape.h"
 
 #include <ostream>
 

@@ -17,13 +17,11 @@ void Complaints::add(const CellPosition& cell, const std::string& reason, const 
         ++known->count;
 }
 
-std::vector<std::string> Complaints::lines() const
+void Complaints::appendTo(std::vector<std::string>& lines) const
 {
-    std::vector<std::string> lines;
     for (const Kind& kind : kinds) {
         const std::string others =
             kind.count > 1 ? ", and " + std::to_string(kind.count - 1) + " more" : std::string();
         lines.push_back(placeInWords(kind.first) + others + ": " + kind.text);
     }
-    return lines;
 }

@@ -15,8 +15,8 @@ public:
     /// `reason` tells which complaints are of one kind; of those the first one's text is told.
     void add(const CellPosition& cell, const std::string& reason, const std::string& text);
 
-    /// In the order in which each kind came up first.
-    std::vector<std::string> lines() const;
+    /// One line for each kind, in the order in which they came up first.
+    void appendTo(std::vector<std::string>& lines) const;
 
 private:
     struct Kind

@@ -2,9 +2,9 @@
 
 #include "BlockWords.h"
 #include "PictureFaults.h"
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
+#include "level/PictureFile.h"
 
 #include <QImageReader>
 
@@ -21,24 +21,24 @@ constexpr int unreadable = 2;
 constexpr int widestBoard = 40;        // cells: the ground is ten units under the board
 constexpr std::size_t mostFlags = 50;  // whose order is judged
 
-BlockCheckpoint::Option checkpointOf(const LevelPixel& pixel)
+CheckpointOption checkpointOf(const LevelPixel& pixel)
 {
-    return BlockCheckpoint::Option::ofSaturation(pixel.saturation);
+    return CheckpointOption::ofSaturation(pixel.saturation);
 }
 
-bool isCheckpoint(const LevelPixel& pixel, BlockCheckpoint::Type type)
+bool isCheckpoint(const LevelPixel& pixel, CheckpointType type)
 {
     return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && checkpointOf(pixel).type == type;
 }
 
 bool isStart(const LevelPixel& pixel)
 {
-    return isCheckpoint(pixel, BlockCheckpoint::Start);
+    return isCheckpoint(pixel, CheckpointType::Start);
 }
 
 bool isGoal(const LevelPixel& pixel)
 {
-    return isCheckpoint(pixel, BlockCheckpoint::Goal);
+    return isCheckpoint(pixel, CheckpointType::Goal);
 }
 
 bool isRequiredFlag(const LevelPixel& pixel)
@@ -67,9 +67,9 @@ bool waitsForButtons(const LevelPixel& pixel)
 {
     switch (blockKindOfHue(pixel.hue)) {
     case BlockKind::Ghost:
-        return BlockGhost::Rhythm::ofSaturation(pixel.saturation).period == 0.0;
+        return GhostOption::ofSaturation(pixel.saturation).period == 0.0;
     case BlockKind::Elevator:
-        return !BlockElevator::Way::ofSaturation(pixel.saturation).automatic;
+        return !ElevatorOption::ofSaturation(pixel.saturation).automatic;
     default:
         return false;
     }
@@ -104,6 +104,34 @@ std::vector<std::string> feats(const std::vector<Stride>& way)
     return lines;
 }
 
+void print(const std::vector<std::string>& lines, const char* before, std::ostream& out)
+{
+    for (const std::string& line : lines)
+        out << "  " << before << line << std::endl;
+}
+
+int reportPicture(const std::string& file, const QImage& picture, const std::string& format,
+                  bool onlyWarnings, std::ostream& out)
+{
+    const std::string refusal = refusalOf(file, picture);
+    if (!refusal.empty()) {
+        out << refusal << std::endl;
+        print(pictureFaults(picture, format), "warning: ", out);
+        return doubtful;
+    }
+    const LevelReport report(picture, format);
+    const std::vector<std::string> warnings = report.warnings();
+    out << file << ": " << report.summary() << std::endl;
+    if (!onlyWarnings)
+        print(report.blocks(), "", out);
+    print(warnings, "warning: ", out);
+    if (!onlyWarnings) {
+        print(report.ways(), "", out);
+        out << "  (judged from the picture, by the figures of docs/levels.md)" << std::endl;
+    }
+    return warnings.empty() ? sound : doubtful;
+}
+
 }  // namespace
 
 LevelReport::LevelReport(const QImage& picture, const std::string& format)
@@ -131,12 +159,14 @@ LevelReport::Cells LevelReport::ofKind(BlockKind kind) const
     });
 }
 
-bool LevelReport::groupHas(int alpha, const LevelMap::PixelTest& test) const
+std::map<int, int> LevelReport::groupsWith(const LevelMap::PixelTest& test) const
 {
-    return !map.cellsWhere([&](const LevelPixel& pixel) {
-                   return pixel.value > 0 && pixel.alpha == alpha && test(pixel);
-               })
-                .empty();
+    std::map<int, int> counts;
+    for (const CellPosition& cell : map.cellsWhere(test)) {
+        if (map.hasFloor(cell))
+            ++counts[map.pixel(cell).alpha];
+    }
+    return counts;
 }
 
 std::string LevelReport::summary() const
@@ -203,10 +233,12 @@ void LevelReport::warnOfStartAndGoal(Lines& lines) const
 
 void LevelReport::warnOfGroups(Lines& lines) const
 {
+    const std::map<int, int> listening = groupsWith(listens);
+    const std::map<int, int> pressing = groupsWith(isButton);
     Complaints complaints;
     for (const CellPosition& cell : ofKind(BlockKind::Button)) {
         const std::string group = groupInWords(map.pixel(cell));
-        if (!groupHas(map.pixel(cell).alpha, listens))
+        if (!listening.count(map.pixel(cell).alpha))
             complaints.add(cell, "unheard " + group,
                            "no ghost and no elevator of " + group +
                                " listens to this button; give them the button's alpha");
@@ -214,7 +246,7 @@ void LevelReport::warnOfGroups(Lines& lines) const
     for (const CellPosition& cell : map.cellsWhere(waitsForButtons)) {
         const LevelPixel& pixel = map.pixel(cell);
         const std::string block = blockInWords(pixel);
-        if (!groupHas(pixel.alpha, isButton))
+        if (!pressing.count(pixel.alpha))
             complaints.add(cell, block + groupInWords(pixel),
                            block + ", and there is none in " + groupInWords(pixel) +
                                "; give one this alpha");
@@ -223,41 +255,42 @@ void LevelReport::warnOfGroups(Lines& lines) const
                            block + ", and the ball can come to no button of " +
                                groupInWords(pixel) + " before");
     }
-    for (const CellPosition& cell : ofKind(BlockKind::Portal)) {
-        const int alpha = map.pixel(cell).alpha;
-        const Cells mates = map.cellsWhere(
-            [alpha](const LevelPixel& pixel) { return isPortal(pixel) && pixel.alpha == alpha; });
-        if (mates.size() < 2)
-            complaints.add(cell, "alone " + std::to_string(alpha),
-                           "the only portal of group " + std::to_string(alpha) +
-                               " leads nowhere; give another one this alpha");
-    }
-    const Lines all = complaints.lines();
-    lines.insert(lines.end(), all.begin(), all.end());
+    complaints.appendTo(lines);
 }
 
 void LevelReport::warnOfPortals(Lines& lines) const
 {
+    const std::map<int, int> mates = groupsWith(isPortal);
     Complaints complaints;
     for (const CellPosition& cell : ofKind(BlockKind::Portal)) {
-        const CellPosition before = map.beforeMouth(cell);
-        if (!map.hasFloor(cell) || map.hasMouthOnTop(cell))
+        if (!map.hasFloor(cell))
             continue;
-        const double floor =
-            map.hasFloor(before) && !map.is(before, BlockKind::Elevator)
-                ? map.edgeHeight(before, cell.column - before.column, cell.row - before.row)
-                : 0.0;
-        const double top = BlockShape::ofValue(map.pixel(cell).value).highHeight;
-        if (!map.hasFloor(before))
-            complaints.add(cell, "no floor",
-                           "a portal without floor before its mouth; nothing comes in or out");
-        else if (floor >= top)
-            complaints.add(cell, "low",
-                           "a portal no higher than the floor before its mouth, which nobody "
-                           "sees or enters; make it half a unit higher");
+        const std::string group = groupInWords(map.pixel(cell));
+        if (mates.at(map.pixel(cell).alpha) < 2)
+            complaints.add(cell, "alone " + group,
+                           "the only portal of " + group +
+                               " leads nowhere; give another one this alpha");
+        else if (!map.hasMouthOnTop(cell))
+            warnOfMouth(cell, complaints);
     }
-    const Lines all = complaints.lines();
-    lines.insert(lines.end(), all.begin(), all.end());
+    complaints.appendTo(lines);
+}
+
+void LevelReport::warnOfMouth(const CellPosition& portal, Complaints& complaints) const
+{
+    const CellPosition before = map.beforeMouth(portal);
+    if (!map.hasFloor(before)) {
+        complaints.add(portal, "no floor",
+                       "a portal without floor before its mouth; nothing comes in or out");
+        return;
+    }
+    const double floor =
+        map.edgeHeight(before, portal.column - before.column, portal.row - before.row);
+    if (!map.is(before, BlockKind::Elevator) &&
+        floor >= BlockShape::ofValue(map.pixel(portal).value).highHeight)
+        complaints.add(portal, "low",
+                       "a portal no higher than the floor before its mouth, which nobody sees or "
+                       "enters; make it half a unit higher");
 }
 
 void LevelReport::warnOfWays(Lines& lines) const
@@ -270,8 +303,7 @@ void LevelReport::warnOfWays(Lines& lines) const
         if (map.hasFloor(cell) && !levelWays->reaches(cell))
             complaints.add(cell, block, block + ", and no way leads there from the start");
     }
-    const Lines all = complaints.lines();
-    lines.insert(lines.end(), all.begin(), all.end());
+    complaints.appendTo(lines);
 }
 
 /// The flags that must be passed, in an order in which each leads on to the next if any order does:
@@ -327,8 +359,9 @@ LevelReport::Lines LevelReport::ways() const
         lines.insert(lines.end(), taken.begin(), taken.end());
         here = station;
     }
+    const std::map<int, int> waiting = groupsWith(waitsForButtons);
     for (const auto& [alpha, button] : levelWays->openingButtons()) {
-        if (groupHas(alpha, waitsForButtons))
+        if (waiting.count(alpha))
             lines.push_back("the button at " + placeInWords(button) + ", for group " +
                             std::to_string(alpha));
     }
@@ -344,25 +377,16 @@ int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out)
 {
     QImageReader reader(QString::fromStdString(file));
     reader.setDecideFormatFromContent(true);
+    const std::string tooLarge = refusalOf(file, reader.size());
+    if (!tooLarge.empty()) {
+        out << tooLarge << std::endl;
+        return doubtful;
+    }
     const std::string format = reader.format().toStdString();
     const QImage picture = reader.read();
     if (picture.isNull()) {
         out << file << ": this is no picture that I can read" << std::endl;
         return unreadable;
     }
-    const LevelReport report(picture, format);
-    out << file << ": " << report.summary() << std::endl;
-    if (!onlyWarnings) {
-        for (const std::string& line : report.blocks())
-            out << "  " << line << std::endl;
-    }
-    const std::vector<std::string> warnings = report.warnings();
-    for (const std::string& line : warnings)
-        out << "  warning: " << line << std::endl;
-    if (!onlyWarnings) {
-        for (const std::string& line : report.ways())
-            out << "  " << line << std::endl;
-        out << "  (judged from the picture, by the figures of docs/levels.md)" << std::endl;
-    }
-    return warnings.empty() ? sound : doubtful;
+    return reportPicture(file, picture, format, onlyWarnings, out);
 }

@@ -5,6 +5,7 @@
 #include "LevelWays.h"
 
 #include <iosfwd>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ class LevelReport
 public:
     /// `format` is what the file's content says.
     explicit LevelReport(const QImage& picture, const std::string& format = "png");
+    LevelReport(const LevelReport&) = delete;
+    LevelReport& operator=(const LevelReport&) = delete;
 
     /// "20 x 8 cells (columns 0 to 19, rows 0 to 7 from the upper left): 78 floors and walls, 17
     /// other blocks".
@@ -34,13 +37,15 @@ private:
     using Lines = std::vector<std::string>;
 
     Cells ofKind(BlockKind kind) const;
-    bool groupHas(int alpha, const LevelMap::PixelTest& test) const;
+    /// How many of such blocks there are in each group that has any.
+    std::map<int, int> groupsWith(const LevelMap::PixelTest& test) const;
     Cells inOrder() const;
 
     void warnOfSize(Lines& lines) const;
     void warnOfStartAndGoal(Lines& lines) const;
     void warnOfGroups(Lines& lines) const;
     void warnOfPortals(Lines& lines) const;
+    void warnOfMouth(const CellPosition& portal, Complaints& complaints) const;
     void warnOfWays(Lines& lines) const;
     void warnOfOrder(Lines& lines) const;
 
@@ -53,5 +58,6 @@ private:
 };
 
 /// Writes the whole report of a file: summary, blocks and ways unless only warnings are wanted,
-/// warnings. 0 for a sound level, 1 for one with warnings, 2 for a file that is no picture.
+/// warnings. 0 for a sound level, 1 for one with warnings or one that the game refuses to build, 2
+/// for a file that is no picture.
 int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out);

@@ -1,10 +1,7 @@
 #include "LevelWays.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/ItemOption.h"
-#include "blocks/PortalShape.h"
-#include "blocks/TrapOption.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <cmath>
@@ -182,8 +179,8 @@ void LevelWays::spread(const Place& place, const Reached& reached) const
         if (map.isSpring(cell))
             isThrownBy(throwerOf(springs, TrapOption::ofSaturation(saturation).parameter));
         if (map.is(cell, BlockKind::Elevator) && isWorked(cell))
-            isThrownBy(throwerOf(elevators,
-                                 std::abs(BlockElevator::Way::ofSaturation(saturation).travel)));
+            isThrownBy(
+                throwerOf(elevators, std::abs(ElevatorOption::ofSaturation(saturation).travel)));
         if (map.isWeight(cell))
             fly(cell, way, highest,
                 int(ItemOption::ofSaturation(saturation).amount * cellsFloatedASecond), Move::Float,
@@ -268,9 +265,9 @@ bool LevelWays::isWorked(const CellPosition& cell) const
     if (buttons.count(pixel.alpha))
         return true;
     if (map.is(cell, BlockKind::Ghost))
-        return BlockGhost::Rhythm::ofSaturation(pixel.saturation).period > 0.0;
+        return GhostOption::ofSaturation(pixel.saturation).period > 0.0;
     return map.is(cell, BlockKind::Elevator) &&
-           BlockElevator::Way::ofSaturation(pixel.saturation).automatic;
+           ElevatorOption::ofSaturation(pixel.saturation).automatic;
 }
 
 /// Whether the ball can be on its block, at some time, without being lost.
@@ -280,7 +277,7 @@ bool LevelWays::carries(const CellPosition& cell) const
         return false;
     const int saturation = map.pixel(cell).saturation;
     if (map.is(cell, BlockKind::Ghost))
-        return BlockGhost::Rhythm::ofSaturation(saturation).initiallyOpaque || isWorked(cell);
+        return GhostOption::ofSaturation(saturation).initiallyOpaque || isWorked(cell);
     if (map.is(cell, BlockKind::Trap)) {
         const TrapOption trap = TrapOption::ofSaturation(saturation);
         return trap.kind != TrapKind::Mine || trap.parameter > 0.0;
@@ -294,7 +291,7 @@ bool LevelWays::canBeAir(const CellPosition& cell) const
         return true;
     return map.is(cell, BlockKind::Ghost) &&
            (isWorked(cell) ||
-            !BlockGhost::Rhythm::ofSaturation(map.pixel(cell).saturation).initiallyOpaque);
+            !GhostOption::ofSaturation(map.pixel(cell).saturation).initiallyOpaque);
 }
 
 /// Whether a ball at this height can be over the cell.
@@ -321,7 +318,7 @@ LevelWays::Heights LevelWays::shifts(const CellPosition& cell) const
 {
     if (!map.is(cell, BlockKind::Elevator) || !isWorked(cell))
         return {0.0};
-    return {0.0, BlockElevator::Way::ofSaturation(map.pixel(cell).saturation).travel};
+    return {0.0, ElevatorOption::ofSaturation(map.pixel(cell).saturation).travel};
 }
 
 LevelWays::Heights LevelWays::heightsWhereLeft(const CellPosition& cell,

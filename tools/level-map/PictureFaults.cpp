@@ -2,7 +2,8 @@
 
 #include "BlockWords.h"
 #include "Complaints.h"
-#include "blocks/TrapOption.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <array>
@@ -255,5 +256,7 @@ std::vector<std::string> pixelFaults(const LevelMap& map)
     for (const CellPosition& cell :
          map.cellsWhere([](const LevelPixel& pixel) { return pixel.value > 0; }))
         addFaultOf(map.pixel(cell), cell, complaints);
-    return complaints.lines();
+    std::vector<std::string> lines;
+    complaints.appendTo(lines);
+    return lines;
 }
