@@ -39,6 +39,15 @@ QString gameProgram()
     return onPath.isEmpty() ? QStandardPaths::findExecutable("rollix", {"/usr/games"}) : onPath;
 }
 
+bool hasDisplay()
+{
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(name))
+            return true;
+    }
+    return false;
+}
+
 std::array<int, 2> stopPipe{-1, -1};
 volatile std::sig_atomic_t isStopped = 0;
 
@@ -112,6 +121,9 @@ int play(const std::string& picture)
                       ": the game's files are not here; start me in the folder that holds data/");
     if (!QFile::link(file, folder.levelPath(0)))
         return refuse(folder.path().toStdString() + ": I cannot write there");
+
+    if (!hasDisplay())
+        return refuse("there is no display to draw on (DISPLAY is empty)");
 
     int argumentCount = 1;
     char name[] = "rollix-level";
