@@ -176,6 +176,19 @@ TEST(LevelReport, WarnsOfPortalsThatNobodySeesOrEnters)
                     "out"});
 }
 
+TEST(LevelReport, WarnsOfWhatTheBallCannotComeTo)
+{
+    EXPECT_EQ(warningsOf(LevelPicture({"S#G"})),
+              Lines{"column 2, row 0: goal, 50 coins, and no way leads there from the start"});
+    // A bridge of air whose only button lies behind it.
+    EXPECT_EQ(
+        warningsOf(row({cells::floor, {225, 70, 73, 254}, {225, 70, 73, 254}, onceButton})),
+        (Lines{"column 2, row 0, and 1 more: ghost, starts as air, waits for buttons, and the "
+               "ball can come to no button of group 254 before",
+               "column 4, row 0: button, works once, and no way leads there from the start",
+               "column 5, row 0: goal, 50 coins, and no way leads there from the start"}));
+}
+
 TEST(LevelReport, TellsOfASoundLevelHowTheBallComesThrough)
 {
     const auto ways = [](const LevelPicture& picture) {

@@ -165,12 +165,9 @@ void LevelWays::spread(const Place& place, const Reached& reached) const
     const int saturation = map.pixel(cell).saturation;
     for (const CellPosition& way : ways) {
         const Heights heights = heightsWhereLeft(cell, way);
-        for (const double height : heights) {
+        for (const double height : heights)
             roll(cell, way, height, reached);
-            jump(cell, way, height, reached);
-        }
-        if (heights.empty())
-            continue;
+        jump(cell, way, heights.front(), reached);
         const double highest = *std::max_element(heights.begin(), heights.end());
         const auto isThrownBy = [&](const Thrower& thrower) {
             fly(cell, way, highest + std::max(0.0, thrower.height - throwMargin), thrower.holes,
@@ -313,7 +310,7 @@ bool LevelWays::entersMouth(const CellPosition& from, double height,
     return top - height > mouthTop && top - height < mouthReach;
 }
 
-/// How high a block may stand over what the picture says.
+/// How high a block may stand over what the picture says; that comes first.
 LevelWays::Heights LevelWays::shifts(const CellPosition& cell) const
 {
     if (!map.is(cell, BlockKind::Elevator) || !isWorked(cell))
