@@ -9,6 +9,8 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <map>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -17,7 +19,7 @@ namespace {
 
 // Of smoothing: so many pixels that make no block, and so many of them between their neighbours.
 constexpr int fewestOdd = 4;
-constexpr double fewestMixed = 0.6;
+constexpr double fewestMixed = 0.45;
 constexpr int channelTolerance = 6;
 constexpr int leastDifference = 30;  // between the neighbours, over all channels
 
@@ -28,6 +30,7 @@ constexpr double fewestUsual = 0.8;
 constexpr double smallestGamma = 0.4;
 constexpr double largestGamma = 2.6;
 constexpr double gammaStep = 0.05;
+constexpr std::size_t mostColours = 1000;  // nobody paints a level with more
 
 constexpr int nearHue = 5;  // degrees beside a kind that its painter will have meant
 
@@ -133,8 +136,8 @@ int pixelsACell(const QImage& picture)
 /// A colour as the guide's tables have it: the nominal hue of a kind, and the height of a floor.
 bool isUsual(const LevelPixel& pixel)
 {
-    const std::set<int> hues{0, 45, 90, 135, 180, 225, 270, 315, 360};
-    const std::set<int> values{73, 86, 95, 100};
+    static const std::set<int> hues{0, 45, 90, 135, 180, 225, 270, 315, 360};
+    static const std::set<int> values{73, 86, 95, 100};
     return hues.count(pixel.hue) && values.count(pixel.value);
 }
 
@@ -146,32 +149,42 @@ QRgb throughGamma(QRgb color, double gamma)
     return qRgb(channel(qRed(color)), channel(qGreen(color)), channel(qBlue(color)));
 }
 
-/// The share of colours that are the guide's after this gamma, among those that are no hole.
-double usualShare(const std::vector<QRgb>& coloured, double gamma)
+/// How many pixels there are of each colour that is no hole.
+using Colours = std::map<QRgb, int>;
+
+int pixelsOf(const Colours& colours)
 {
-    const auto usual = std::count_if(coloured.begin(), coloured.end(), [gamma](QRgb color) {
-        return isUsual(LevelPixel::decode(throughGamma(color, gamma)));
-    });
-    return double(usual) / double(coloured.size());
+    return std::accumulate(colours.begin(), colours.end(), 0,
+                           [](int sum, const auto& colour) { return sum + colour.second; });
+}
+
+/// The share of pixels that have a colour of the guide after this gamma.
+double usualShare(const Colours& colours, double gamma)
+{
+    int usual = 0;
+    for (const auto& [color, count] : colours)
+        usual += isUsual(LevelPixel::decode(throughGamma(color, gamma))) ? count : 0;
+    return double(usual) / pixelsOf(colours);
 }
 
 /// The gamma that the guide's colours went through; nothing where that is not what is wrong.
 std::optional<double> gammaOf(const QImage& picture)
 {
-    std::vector<QRgb> coloured;
+    Colours colours;
     for (int row = 0; row < picture.height(); ++row) {
         for (int column = 0; column < picture.width(); ++column) {
             const QRgb color = picture.pixel(column, row);
             if (LevelPixel::decode(color).value > 0)
-                coloured.push_back(color);
+                ++colours[color];
         }
     }
-    if (int(coloured.size()) < fewestColoured || usualShare(coloured, 1.0) > mostUsual)
+    if (pixelsOf(colours) < fewestColoured || usualShare(colours, 1.0) > mostUsual ||
+        colours.size() > mostColours)
         return std::nullopt;
     double best = 1.0;
     double most = 0.0;
     for (double gamma = smallestGamma; gamma < largestGamma; gamma += gammaStep) {
-        const double share = usualShare(coloured, gamma);
+        const double share = usualShare(colours, gamma);
         if (share > most) {
             most = share;
             best = gamma;
