@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr int reach = 4;  // steps of a channel to either side of the obvious colour
+constexpr int reach = 4;      // steps of a channel to either side of the obvious colour
+constexpr double tie = 0.02;  // of distances, where the brighter colour is taken
 
 bool decodesTo(QRgb color, const Cell& cell)
 {
@@ -35,7 +36,7 @@ std::optional<QRgb> nearestColor(const Cell& cell)
                 const double distance = std::abs(qRed(color) - ideal[0]) +
                                         std::abs(qGreen(color) - ideal[1]) +
                                         std::abs(qBlue(color) - ideal[2]);
-                if (decodesTo(color, cell) && (!nearest || distance < smallest)) {
+                if (decodesTo(color, cell) && (!nearest || distance < smallest + tie)) {
                     nearest = color;
                     smallest = distance;
                 }

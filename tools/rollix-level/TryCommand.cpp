@@ -65,7 +65,8 @@ void endWithSignals(QProcess& game, std::unique_ptr<QSocketNotifier>& notifier)
     if (pipe(stopPipe.data()) != 0)
         return;
     notifier = std::make_unique<QSocketNotifier>(stopPipe[0], QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, &game, &QProcess::terminate);
+    // By name: the signal's two overloads are private, and pointers to them cannot be told apart.
+    QObject::connect(notifier.get(), SIGNAL(activated(int)), &game, SLOT(terminate()));
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signal, noteStop);
 }
