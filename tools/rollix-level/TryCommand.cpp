@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QImage>
@@ -67,8 +68,8 @@ void endWithSignals(QProcess& game, std::unique_ptr<QSocketNotifier>& notifier)
     notifier = std::make_unique<QSocketNotifier>(stopPipe[0], QSocketNotifier::Read);
     // By name: the signal's two overloads are private, and pointers to them cannot be told apart.
     QObject::connect(notifier.get(), SIGNAL(activated(int)), &game, SLOT(terminate()));
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(signal, noteStop);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(number, noteStop);
 }
 
 /// Tells of every saving what the level looks like then.
@@ -137,8 +138,8 @@ int play(const std::string& picture)
     QProcess game;
     game.setProcessChannelMode(QProcess::ForwardedChannels);
     game.setWorkingDirectory(folder.path());
-    std::unique_ptr<QSocketNotifier> signals;
-    endWithSignals(game, signals);
+    std::unique_ptr<QSocketNotifier> notifier;
+    endWithSignals(game, notifier);
     const SavingTeller teller(file);
     QObject::connect(&game, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
                      &application, &QCoreApplication::quit);
