@@ -93,3 +93,13 @@ TEST(LevelsGuide, HasAReadmeWithTheSameColours)
         expectColour(row, row[1].toInt(), row[2] == "any" ? 100 : row[2].toInt(), 73, 3);
     }
 }
+
+TEST(LevelsGuide, HasAReadmeWithTheSameColoursOfHigherWalls)
+{
+    const QString readme = textOf("README.md").simplified();
+    const std::vector<QStringList> rows =
+        rowsOf("docs/levels.md", R"(^\| [\d.]+ high \| 90 \| 100 \| \d+ \| (\d+, \d+, \d+) \|$)");
+    EXPECT_EQ(rows.size(), 4u);
+    for (const QStringList& row : rows)
+        EXPECT_TRUE(readme.contains(row[1])) << row[0].toStdString();
+}

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr int reach = 4;      // steps of a channel to either side of the obvious colour
-constexpr double tie = 0.02;  // of distances, where the brighter colour is taken
+constexpr double tie = 0.02;  // of distances, where the darker colour is taken
 
 bool decodesTo(QRgb color, const Cell& cell)
 {
@@ -36,7 +36,7 @@ std::optional<QRgb> nearestColor(const Cell& cell)
                 const double distance = std::abs(qRed(color) - ideal[0]) +
                                         std::abs(qGreen(color) - ideal[1]) +
                                         std::abs(qBlue(color) - ideal[2]);
-                if (decodesTo(color, cell) && (!nearest || distance < smallest + tie)) {
+                if (decodesTo(color, cell) && (!nearest || distance < smallest - tie)) {
                     nearest = color;
                     smallest = distance;
                 }
