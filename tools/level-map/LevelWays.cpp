@@ -3,9 +3,13 @@
 #include "level/BlockOptions.h"
 #include "level/BlockShape.h"
 
+#include <queue>
+
 #include <algorithm>
 #include <cmath>
-#include <deque>
+#include <functional>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -23,6 +27,8 @@ constexpr double mouthTop = 0.1;
 constexpr double mouthReach = 1.4;
 
 constexpr double cellsFloatedASecond = 2.0;
+
+constexpr int featEffort = 1000;  // cells that are rolled rather than to jump, be thrown or float
 
 constexpr CellPosition ways[] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
 
@@ -107,23 +113,32 @@ bool LevelWays::reaches(const CellPosition& cell) const
     return has(fromStart, cell);
 }
 
+/// The easiest ways come first: a feat is taken where there is no way round of so many cells.
 LevelWays::Flood LevelWays::flood(const CellPosition& from) const
 {
+    using Reachable = std::pair<int, int>;  // effort, index of the place
     Flood steps(std::size_t(2 * map.width() * map.height()), Step{-1, Move::Roll});
     if (!map.contains(from))
         return steps;
+    std::vector<int> efforts(steps.size(), std::numeric_limits<int>::max());
+    std::priority_queue<Reachable, std::vector<Reachable>, std::greater<>> open;
+    const auto enter = [&](int place, const Step& step, int effort) {
+        if (effort >= efforts[std::size_t(place)])
+            return;
+        efforts[std::size_t(place)] = effort;
+        steps[std::size_t(place)] = step;
+        open.emplace(effort, place);
+    };
     const int begin = indexOf({from, false});
-    std::deque<int> open{begin};
-    steps[std::size_t(begin)].from = begin;
+    enter(begin, {begin, Move::Roll}, 0);
     while (!open.empty()) {
-        const int here = open.front();
-        open.pop_front();
-        spread(placeAt(here), [&](const Place& place, Move by) {
-            Step& step = steps[std::size_t(indexOf(place))];
-            if (step.from >= 0)
-                return;
-            step = {here, by};
-            open.push_back(indexOf(place));
+        const auto [effort, here] = open.top();
+        open.pop();
+        if (effort > efforts[std::size_t(here)])
+            continue;
+        spread(placeAt(here), [&, here = here, effort = effort](const Place& place, Move by) {
+            const bool isFeat = by != Move::Roll && by != Move::Portal;
+            enter(indexOf(place), {here, by}, effort + (isFeat ? featEffort : 1));
         });
     }
     return steps;

@@ -35,7 +35,7 @@ public:
     /// The buttons in reach, by the group that they open; one for each group.
     const std::map<int, CellPosition>& openingButtons() const { return buttons; }
 
-    /// The shortest way, both ends included; empty if there is none.
+    /// The easiest way, both ends included: with as few feats as can be. Empty if there is none.
     std::vector<Stride> way(const CellPosition& from, const CellPosition& to) const;
     /// Which of the cells a ball can come to from this one.
     std::vector<bool> reachedFrom(const CellPosition& from,
