@@ -1,4 +1,6 @@
 #include "CheckCommand.h"
+#include "PaletteCommand.h"
+#include "TryCommand.h"
 #include "ViewCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -10,6 +12,8 @@ int main(int argc, char** argv)
     program.require_subcommand(1);
     int result = 0;
     addCheckCommand(program, result);
+    addPaletteCommand(program, result);
+    addTryCommand(program, result);
     addViewCommand(program, result);
     CLI11_PARSE(program, argc, argv);
     return result;
