@@ -1,4 +1,4 @@
-#include "support/ManualClock.h"
+#include "ManualClock.h"
 
 #include <QElapsedTimer>
 #include <osg/Timer>
@@ -12,9 +12,9 @@
 namespace {
 
 constexpr long long nanosecondsPerSecond = 1000000000;
-constexpr long long nanosecondsPerMillisecond = 1000000;
 constexpr int clockCount = 16;
 
+std::atomic<bool> stopped{false};
 // Zero for a clock that nobody has asked for yet: it stops at its true time then.
 std::atomic<long long> stoppedAt[clockCount];
 std::atomic<long long> advanced{0};
@@ -28,12 +28,12 @@ long long trueTime(clockid_t clock)
 
 long long shownTime(clockid_t clock)
 {
-    if (clock < 0 || clock >= clockCount)
+    if (!stopped || clock < 0 || clock >= clockCount)
         return trueTime(clock);
-    long long stopped = 0;
+    long long start = 0;
     const long long now = trueTime(clock);
-    if (!stoppedAt[clock].compare_exchange_strong(stopped, now))
-        return stopped + advanced;
+    if (!stoppedAt[clock].compare_exchange_strong(start, now))
+        return start + advanced;
     return now + advanced;
 }
 
@@ -67,9 +67,14 @@ time_t time(time_t* result) noexcept
 }
 }
 
-void ManualClock::advance(int milliseconds)
+void ManualClock::stop()
 {
-    advanced += milliseconds * nanosecondsPerMillisecond;
+    stopped = true;
+}
+
+void ManualClock::advance(std::chrono::nanoseconds time)
+{
+    advanced += time.count();
 }
 
 bool ManualClock::isSeenByLibraries()
@@ -77,7 +82,7 @@ bool ManualClock::isSeenByLibraries()
     QElapsedTimer qtClock;
     qtClock.start();
     const osg::Timer_t osgStart = osg::Timer::instance()->tick();
-    advance(1000);
+    advance(std::chrono::seconds(1));
     const double osgSeconds =
         osg::Timer::instance()->delta_s(osgStart, osg::Timer::instance()->tick());
     return qtClock.elapsed() == 1000 && osgSeconds > 0.999 && osgSeconds < 1.001;
