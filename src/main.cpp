@@ -24,10 +24,11 @@ int main(int argc, char** argv)
     new QApplication(argc, argv);
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);
-    // A hand may already be at work on the scene that this goes through.
-    GameLoop::lock();
-    widget->addView(game);
-    GameLoop::unlock();
+    {
+        // A hand may already be at work on the scene that this goes through.
+        const GameLoop::Lock worldLock;
+        widget->addView(game);
+    }
     widget->show();
     GameLoop::start(game);
     QApplication::exec();

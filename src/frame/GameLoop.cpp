@@ -3,6 +3,7 @@
 #include "game/GravlinApplication.h"
 #include "sound/FmodManager.h"
 
+#include <QMutexLocker>
 #include <QThread>
 #include <fmod.hpp>
 #include <osg/FrameStamp>
@@ -46,9 +47,8 @@ void GameLoop::lock()
     if (self->worldOwner.load(std::memory_order_relaxed) == thread) {
         self->worldMutex.lock();
     } else {
-        self->turnstile.lock();
+        const QMutexLocker turn(&self->turnstile);
         self->worldMutex.lock();
-        self->turnstile.unlock();
         // The orders here and in unlock() repeat what the mutex does, for the thread sanitizer,
         // which sees no lock inside of Qt.
         self->worldOwner.exchange(thread, std::memory_order_acquire);
@@ -139,30 +139,27 @@ void GameLoop::tick()
 {
     if (!application)
         return;
-    lock();
+    const Lock worldLock;
     FmodManager::system()->update();
     runCommands();
     if (!paused)
         advanceWorld();
     application->getViewerBase()->frame(std::numeric_limits<double>::max());
-    unlock();
 }
 
 void GameLoop::queueCommand(const std::function<void()>& command)
 {
-    commandMutex.lock();
+    const QMutexLocker locker(&commandMutex);
     commandQueue.push_back(command);
-    commandMutex.unlock();
 }
 
 void GameLoop::runCommands()
 {
-    commandMutex.lock();
+    const QMutexLocker locker(&commandMutex);
     while (!commandQueue.empty()) {
         commandQueue.front()();
         commandQueue.pop_front();
     }
-    commandMutex.unlock();
 }
 
 void GameLoop::advanceWorld()

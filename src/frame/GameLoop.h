@@ -35,6 +35,16 @@ public:
     static void lock();
     static void unlock();
 
+    /// Holds the world lock as long as it lives.
+    class Lock
+    {
+    public:
+        Lock() { lock(); }
+        ~Lock() { unlock(); }
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+    };
+
     /// Stores the application (not owned); ticks then come from whoever calls tick().
     static void attach(GravlinApplication* application);
     /// Attaches the application and starts the timer at its frame rate.

@@ -59,9 +59,8 @@ void OsgViewerWidget::addMouseListener(MouseListener* listener)
 void OsgViewerWidget::paintEvent(QPaintEvent*)
 {
     // The sensor's thread may be at work on a menu: a resize lays out the same lines.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     frame(std::numeric_limits<double>::max());
-    GameLoop::unlock();
 }
 
 void OsgViewerWidget::keyPressEvent(QKeyEvent* event)

@@ -43,7 +43,7 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 Rollix::Rollix(OsgViewerWidget* widget)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     setUpCamera(widget);
     createWorld();
     loadLevel(0);
@@ -55,7 +55,6 @@ Rollix::Rollix(OsgViewerWidget* widget)
     createMenus();
     createMessageText();
     state = GameState::WaitingForRest;
-    GameLoop::unlock();
 }
 
 Rollix::~Rollix()
@@ -79,12 +78,11 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 
 void Rollix::createWorld()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     createScene(gravity);
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
-    GameLoop::unlock();
 }
 
 void Rollix::createHandCamera()
@@ -152,12 +150,11 @@ void Rollix::requestLevel(LevelAction action)
 
 void Rollix::loadLevel(unsigned int number)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     level = nullptr;
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
-    GameLoop::unlock();
     state = GameState::WaitingForRest;
 }
 
@@ -199,10 +196,9 @@ ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned in
 
 void Rollix::update()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveLevelAction();
     applyKeyTorque();
-    GameLoop::unlock();
 }
 
 void Rollix::serveLevelAction()
@@ -277,9 +273,8 @@ void Rollix::keyReleaseEvent(QKeyEvent* event)
     if (event->isAutoRepeat())
         return;
     // The sensor's thread may be at work on the same menu.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     serveKey(event);
-    GameLoop::unlock();
 }
 
 void Rollix::serveKey(QKeyEvent* event)

@@ -62,7 +62,7 @@ void Rollix::onFrame(const Leap::Controller& controller)
 void Rollix::awaitRestPose(const Leap::Frame& frame)
 {
     state = GameState::WaitingForRest;
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     showMessage("Bring your hand in rest position.", osg::Vec4f(0.0f, 0.9f, 0.0f, 1.0f));
     if (!frame.hands().isEmpty()) {
         const HandPose hand = handPose(frame.hands()[0], handCamera->angle());
@@ -79,7 +79,6 @@ void Rollix::awaitRestPose(const Leap::Frame& frame)
             guide->setNodeMask(0xffffffff);
         }
     }
-    GameLoop::unlock();
 }
 
 bool Rollix::detectScreenTap(const Leap::Frame& frame)
@@ -98,12 +97,11 @@ void Rollix::applyHandTilt(const Leap::Frame& frame)
     if (frame.hands().isEmpty())
         return;
     const HandPose hand = handPose(frame.hands()[0], handCamera->angle());
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     const unsigned int boardId = level->board->getId();
     const osg::Vec3f rotation = alignmentRotation(actorTransforms[boardId], boardDown, hand.down,
                                                   boardForward, hand.forward, tiltDeadZone);
     setAngularVelocity(boardId, rotation * tiltGain, true);
-    GameLoop::unlock();
 }
 
 void Rollix::drivePauseMenu(const Leap::Controller& controller)
@@ -118,11 +116,10 @@ void Rollix::driveEndMenu(const Leap::Controller& controller)
 
 void Rollix::driveMenu(MenuHUD* menu, const Leap::Controller& controller)
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     // The first frame of a menu state only brings the menu up.
     if (menu->isVisible())
         menu->onLeapFrame(controller);
     else
         menu->show();
-    GameLoop::unlock();
 }

@@ -51,7 +51,7 @@ Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
       number(levelNumber),
       pictureFile(levelPicture(levelNumber))
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     game_->createMaterial("holz", 0.2f, 0.05f, 0.0f);
     std::cout << "reading level " << pictureFile << std::endl;
     root = new osg::Group;
@@ -61,19 +61,17 @@ Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
     ball = new Ball(*this);
     createHud();
     parent->addChild(root);
-    GameLoop::unlock();
 }
 
 Level::~Level()
 {
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     parent->removeChild(root);
     // Shown elements are event handlers of the view, which would keep them for good.
     livesHud->hide();
     coinsHud->hide();
     scoreHud->hide();
     game_->clear();
-    GameLoop::unlock();
 }
 
 void Level::createShader()
@@ -140,12 +138,11 @@ void Level::showLives()
 void Level::changeLives(int delta, bool reset)
 {
     // A mine's fuse burns down between two ticks, while the sensor's thread may show a menu.
-    GameLoop::lock();
+    const GameLoop::Lock worldLock;
     lives = std::clamp(lives + delta, 0, maximumLives);
     showLives();
     if (reset || lives == 0)
         restart(lives == 0);
-    GameLoop::unlock();
 }
 
 void Level::changeCoins(int delta)

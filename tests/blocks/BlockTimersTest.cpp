@@ -139,11 +139,10 @@ TEST_F(BlockTimersTest, MineWaitsWithItsHarmWhileAnotherThreadHasTheWorld)
     std::atomic<bool> locked{false};
     bool changedMeanwhile = false;
     std::thread other([&] {
-        GameLoop::lock();
+        const GameLoop::Lock worldLock;
         locked = true;
         QThread::msleep(200);
         changedMeanwhile = level().livesLeft() != 1;
-        GameLoop::unlock();
     });
     while (!locked)
         std::this_thread::yield();

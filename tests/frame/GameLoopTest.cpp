@@ -133,14 +133,13 @@ TEST_F(GameLoopTest, DoesNothingWithoutAnApplication)
     std::atomic<bool> ticked{false};
     bool inTime = false;
     std::thread holder([&] {
-        GameLoop::lock();
+        const GameLoop::Lock worldLock;
         held = true;
         QElapsedTimer clock;
         clock.start();
         while (!ticked && clock.elapsed() < 20000)
             std::this_thread::yield();
         inTime = ticked;
-        GameLoop::unlock();
     });
     while (!held)
         std::this_thread::yield();
@@ -511,6 +510,26 @@ TEST_F(GameLoopTest, LocksTheWorldAsOftenAsOneThreadLikes)
     EXPECT_TRUE(entered);
 }
 
+TEST_F(GameLoopTest, HoldsTheWorldAsLongAsAGuardLives)
+{
+    std::atomic<bool> entered{false};
+    std::thread other;
+    {
+        const GameLoop::Lock worldLock;
+        {
+            const GameLoop::Lock again;
+        }
+        other = std::thread([&] {
+            const GameLoop::Lock itsTurn;
+            entered = true;
+        });
+        QThread::msleep(20);
+        EXPECT_FALSE(entered) << "the guard inside gave back its own lock alone";
+    }
+    other.join();
+    EXPECT_TRUE(entered);
+}
+
 TEST_F(GameLoopTest, HoldsTheWorldLockThroughTheWholeTick)
 {
     attach();
@@ -520,9 +539,8 @@ TEST_F(GameLoopTest, HoldsTheWorldLockThroughTheWholeTick)
     GameLoop::Task asker = [&] {
         other = std::thread([&] {
             asked = true;
-            GameLoop::lock();
+            const GameLoop::Lock worldLock;
             entered = true;
-            GameLoop::unlock();
         });
         while (!asked)
             std::this_thread::yield();
@@ -585,7 +603,8 @@ TEST_F(GameLoopTest, PassesOnWhatAnEmptyTaskThrows)
     GameLoop::Task empty;
     GameLoop::addFrameTask(&empty);
     EXPECT_THROW(tick(), std::bad_function_call);
-    GameLoop::unlock();
+    // Not the world lock, too.
+    std::thread([] { const GameLoop::Lock worldLock; }).join();
     GameLoop::removeFrameTask(&empty);
     tick();
     EXPECT_EQ(GameLoop::frameTaskCount(), 0u);

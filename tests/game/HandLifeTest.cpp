@@ -21,9 +21,10 @@ void hearsBeforeItsFirstTick(const std::vector<PlayedHand>& hands, GameState exp
     service.streams();
     auto widget = std::make_unique<OsgViewerWidget>();
     auto* game = new Rollix(widget.get());
-    GameLoop::lock();
-    widget->addView(game);
-    GameLoop::unlock();
+    {
+        const GameLoop::Lock worldLock;
+        widget->addView(game);
+    }
     EXPECT_TRUE(holdsWithin(20000, [&] { return game->state == expected; }));
     widget->resize(320, 240);
     widget->show();

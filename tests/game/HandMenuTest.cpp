@@ -31,9 +31,8 @@ public:
 
     void completesLevel()
     {
-        GameLoop::lock();
+        const GameLoop::Lock worldLock;
         level().complete();
-        GameLoop::unlock();
         EXPECT_EQ(game.state, GameState::LevelCompleted);
     }
 
@@ -265,10 +264,9 @@ TEST_F(HandMenuTest, LetsAKeyWaitUntilTheOtherThreadIsDoneWithTheWorld)
     std::atomic<bool> locked{false};
     bool shownMeanwhile = false;
     std::thread other([&] {
-        GameLoop::lock();
+        const GameLoop::Lock worldLock;
         locked = true;
         shownMeanwhile = holdsWithin(100, [&] { return game.state != GameState::WaitingForRest; });
-        GameLoop::unlock();
     });
     while (!locked)
         std::this_thread::yield();

@@ -1,3 +1,4 @@
+#include "GameFolder.h"
 #include "program/ProgramWindow.h"
 #include "support/LevelPicture.h"
 #ifdef LEAP_IS_OWN
@@ -8,7 +9,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
-#include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
 
@@ -38,24 +38,15 @@ protected:
         }
     }
 
-    /// Links all run-time files into the folder, but for those that shall be missing.
-    void brings(const QStringList& missing = {})
+    void lacks(const QStringList& names)
     {
-        const QDir source(QString(ROLLIX_SOURCE_DIR) + "/data");
-        const QDir target(folder.path());
-        target.mkpath("data/Rollix");
-        for (const QString& part : {QString(), QString("Rollix/")}) {
-            for (const QFileInfo& file : QDir(source.filePath(part)).entryInfoList(QDir::Files)) {
-                const QString name = "data/" + part + file.fileName();
-                if (!missing.contains(name) && !file.fileName().startsWith("level"))
-                    QFile::link(file.absoluteFilePath(), target.filePath(name));
-            }
-        }
+        for (const QString& name : names)
+            ASSERT_TRUE(QFile::remove(folder.path() + "/" + name)) << name.toStdString();
     }
 
     void paints(int number, const LevelPicture& picture)
     {
-        picture.image().save(folder.filePath(QString("data/Rollix/level%1.png").arg(number)));
+        picture.image().save(folder.levelPath(number));
     }
 
     /// Starts it and waits for its window.
@@ -129,7 +120,7 @@ protected:
         EXPECT_EQ(program.exitCode(), 0);
     }
 
-    QTemporaryDir folder;
+    const GameFolder folder{QDir(ROLLIX_SOURCE_DIR)};
     QProcess program;
     ProgramWindow window;
     QByteArray output;
@@ -167,7 +158,6 @@ Sight lookAt(const QImage& image)
 
 TEST_F(ProgramTest, IsPlayedByKeysAndEndsWhenItsWindowIsClosed)
 {
-    brings();
     paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
     paints(1, LevelPicture(5, 5, cells::floor).set(2, 2, cells::start));
     starts();
@@ -216,7 +206,6 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
     SensorService service(behaviour, servicePort);
     service.shows({PlayedHand()});
     service.streams();
-    brings();
     paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
     starts();
     Sight sight;
@@ -241,7 +230,6 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
 
 TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 {
-    brings();
     paints(0, LevelPicture({"S"}));
     starts();
     closes();
@@ -250,8 +238,8 @@ TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 
 TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 {
-    brings({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
-            "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
+    lacks({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
+           "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
     // Nothing to hit: no sound is asked for.
     paints(0, LevelPicture(1, 1));
     starts();
@@ -272,6 +260,7 @@ TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 
 TEST_F(ProgramTest, RunsInAnEmptyFolder)
 {
+    ASSERT_TRUE(QDir(folder.path() + "/data").removeRecursively());
     starts();
     ASSERT_TRUE(says("reading level data/Rollix/level0.png"));
     window.types("r");

@@ -2,6 +2,7 @@
 
 #include "game/Rollix.h"
 #include "level/Block.h"
+#include "level/BlockCheckpoint.h"
 #include "level/Board.h"
 #include "level/Level.h"
 
@@ -15,8 +16,8 @@ constexpr double visibleMove = 0.002;  // world units in a tick
 
 }  // namespace
 
-LevelSight::LevelSight(Rollix& watchedGame, const LevelMap& map, int delay)
-    : game(watchedGame), lateness(delay), previous(PlayerView::of(game))
+LevelSight::LevelSight(Rollix& watchedGame, const LevelMap& levelMap, int delay)
+    : game(watchedGame), map(levelMap), lateness(delay), previous(PlayerView::of(game))
 {
     for (const osg::ref_ptr<Block>& block : game.level->board->getBlocks()) {
         const CellPosition cell = map.cellAt(double(block->x), double(block->y));
@@ -34,6 +35,9 @@ void LevelSight::look()
         previous = glimpses.front().view;
     Glimpse now;
     now.view = PlayerView::of(game);
+    now.checkpoint = {-1, -1};
+    if (const BlockCheckpoint* flag = game.level->checkpoint)
+        now.checkpoint = map.cellAt(double(flag->x), double(flag->y));
     const osg::Matrixd toBoard = osg::Matrixd::inverse(now.view.board);
     for (std::size_t i = 0; i < watched.size(); ++i) {
         const Seen before = glimpses.empty() ? Seen() : glimpses.back().blocks[i];

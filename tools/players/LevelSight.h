@@ -16,7 +16,7 @@ class Rollix;
 class LevelSight
 {
 public:
-    /// Of the level that the game shows now. Everything is told as it was
+    /// Of the level that the game shows now. The map has to outlive this. Everything is told as it was
     /// `delay` ticks ago.
     LevelSight(Rollix& game, const LevelMap& map, int delay);
 
@@ -27,6 +27,9 @@ public:
     /// What was seen of ball and board, and in the tick before.
     const PlayerView& view() const { return glimpses.front().view; }
     const PlayerView& viewBefore() const { return previous; }
+
+    /// The start or flag where the ball would come back to.
+    CellPosition checkpoint() const { return glimpses.front().checkpoint; }
 
     /// How far an elevator stands above its home, in world units along the board's vertical.
     double shift(const CellPosition& cell) const;
@@ -51,6 +54,7 @@ private:
     struct Glimpse
     {
         PlayerView view;
+        CellPosition checkpoint;
         std::vector<Seen> blocks;
     };
 
@@ -58,6 +62,7 @@ private:
     const Seen& at(const CellPosition& cell) const;
 
     Rollix& game;
+    const LevelMap& map;
     const int lateness;
     std::vector<const Block*> watched;
     std::map<std::pair<int, int>, std::size_t> indices;

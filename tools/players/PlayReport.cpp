@@ -94,7 +94,7 @@ Json work(const PlayWish& wish, const QImage& picture, const Job& job)
     char name[] = "rollix";
     char* argv[] = {name, nullptr};
     const QApplication application(argc, argv);
-    PlayedWorld world(QString::fromStdString(wish.home));
+    PlayedWorld world(QDir(QString::fromStdString(wish.home)));
     switch (job.task) {
     case Task::FirstTouch:
         return jsonOf(firstTouch(world.game(), picture));

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "GameFolder.h"
 #include "PlayedGame.h"
-
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -12,11 +11,11 @@ class PlayedWorld
 {
 public:
     /// Needs a QApplication. The game's data/ lies in `home`.
-    explicit PlayedWorld(const QString& home);
+    explicit PlayedWorld(const QDir& home);
 
     PlayedGame& game() { return *played; }
 
 private:
-    QTemporaryDir folder;
+    GameFolder folder;
     std::unique_ptr<PlayedGame> played;
 };

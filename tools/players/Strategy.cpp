@@ -14,10 +14,11 @@ namespace {
 
 constexpr double approach = 1.0;       // wanted speed per unit of distance, 1/s
 constexpr double climbingSpeed = 4.6;  // taken as a run-up too
+constexpr double hurriedSpeed = 2.5;   // what it takes to fly across, or to be thrown ahead
 constexpr int runUpSteps = 4;
-constexpr double flagReach = 1.2;    // a ball so near over a flag's cell has touched it
+constexpr double touchReach = 1.2;   // a ball so near over a cell may have touched it
 constexpr double heightReach = 0.1;  // an elevator so near its end is there
-constexpr int freshRest = 20;        // ticks: an elevator that has rested longer may leave too soon
+constexpr int freshRest = 36;        // ticks: an elevator that has rested longer may leave too soon
 constexpr int restTicks = 550;       // of what rests, with a second to spare
 constexpr int ticksPerSecond = steering::ticksPerSecond;
 
@@ -61,6 +62,8 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& ball)
     const CellPosition seenCell = map.cellAt(seen.x(), seen.y());
     if (map.hasFloor(seenCell))
         noteTouchedCell(seenCell, seen);
+    // A flag that has sunk. The ball may have flown over one that has not.
+    flags.erase(std::remove(flags.begin(), flags.end(), sight.checkpoint()), flags.end());
     // What it sees is surer than where it thinks that the ball has gone.
     CellPosition here = map.cellAt(ball.x(), ball.y());
     if (!map.hasFloor(here))
@@ -92,9 +95,8 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& ball)
 void Strategy::noteTouchedCell(const CellPosition& here, const osg::Vec3d& ball)
 {
     const double top = double(BlockShape::ofValue(map.pixel(here).value).highHeight);
-    if (ball.z() >= top + flagReach)
+    if (ball.z() >= top + touchReach)
         return;
-    flags.erase(std::remove(flags.begin(), flags.end(), here), flags.end());
     if (!(here == last))
         touch(here);
     last = here;
@@ -176,7 +178,7 @@ bool Strategy::mayUseElevator(const LevelSight& sight, const CellPosition& from,
         return true;
     // In time before it leaves again.
     return !BlockElevator::Way::ofSaturation(map.pixel(to).saturation).automatic ||
-           sight.ticksAtRest(to) + sight.delay() < freshRest + temper.patience / 2;
+           sight.ticksAtRest(to) + sight.delay() < freshRest;
 }
 
 /// What lies still for a while after the ball has touched it.
@@ -209,6 +211,7 @@ Intent Strategy::follow(const Way& way, const osg::Vec3d& ball, bool stops) cons
         ++corner;
     Intent intent;
     bool hurries = false;
+    bool hastens = map.is(way[0], BlockKind::Ghost);
     double speed = stops ? temper.waitingSpeed : temper.speed;
     for (std::size_t i = 0; i < std::min<std::size_t>(corner, runUpSteps); ++i) {
         intent.climbs = intent.climbs || map.climbs(way[i], way[i + 1]);
@@ -217,14 +220,19 @@ Intent Strategy::follow(const Way& way, const osg::Vec3d& ball, bool stops) cons
     for (std::size_t i = 0; i <= std::min<std::size_t>(corner, 2); ++i) {
         if (finder.exposure(way[i]) > 0.0)
             speed = std::min(speed, temper.careSpeed);
+        // Nobody dawdles on a bridge that may go.
+        hastens = hastens || (i > 0 && map.is(way[i], BlockKind::Ghost));
     }
+    if (hastens)
+        speed = temper.speed;
     intent.velocity.set(within((double(map.x(way[corner])) - ball.x()) * approach, speed),
                         within((double(map.y(way[corner])) - ball.y()) * approach, speed));
     intent.rolls = intent.climbs || hurries;
     if (intent.rolls) {
         // No braking: a ball that stops on the way up a ramp rolls back, one that dawdles on a
         // trapdoor falls, and whatever throws the ball on needs it to come with a speed.
-        const double through = intent.climbs ? climbingSpeed : temper.speed;
+        const double through =
+            intent.climbs ? climbingSpeed : std::max(temper.speed, hurriedSpeed);
         if (way[1].column != way[0].column)
             intent.velocity.x() = way[1].column > way[0].column ? through : -through;
         else
