@@ -71,3 +71,10 @@ TEST_P(EveryLesson, CannotBeWonWithoutItsBlocks)
     wish.limit = 60.0;
     EXPECT_EQ(played(wish)[0]["won"], 0);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    OfTheGame, EveryLesson,
+    ::testing::Values(Lesson{6, BlockKind::Item}, Lesson{9, BlockKind::Trap},
+                      Lesson{10, BlockKind::Portal}, Lesson{11, BlockKind::Elevator},
+                      Lesson{12, BlockKind::Button}, Lesson{12, BlockKind::Ghost},
+                      Lesson{13, BlockKind::Item}, Lesson{14, BlockKind::Ghost}));

@@ -5,8 +5,8 @@
 
 #include <QImage>
 #include <QTemporaryDir>
-#include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 constexpr int levelCount = 30;

@@ -54,9 +54,8 @@ int coinsOf(const LevelMap& map)
 {
     int coins = 0;
     int bestGoal = 0;
-    for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
-             return pixel.value >= firstBodyValue;
-         })) {
+    for (const CellPosition& cell :
+         map.cellsWhere([](const LevelPixel& pixel) { return pixel.value >= firstBodyValue; })) {
         const int saturation = map.pixel(cell).saturation;
         if (map.is(cell, BlockKind::Checkpoint)) {
             const auto option = BlockCheckpoint::Option::ofSaturation(saturation);

@@ -12,7 +12,8 @@
 
 namespace {
 
-constexpr double visibleMove = 0.002;  // world units in a tick
+// World units in a tick. Blocks that are fixed to the board lag behind it when it trembles.
+constexpr double visibleMove = 0.015;
 
 }  // namespace
 

@@ -16,8 +16,8 @@ class Rollix;
 class LevelSight
 {
 public:
-    /// Of the level that the game shows now. The map has to outlive this. Everything is told as it was
-    /// `delay` ticks ago.
+    /// Of the level that the game shows now. The map has to outlive this. Everything is told as it
+    /// was `delay` ticks ago.
     LevelSight(Rollix& game, const LevelMap& map, int delay);
 
     /// Once a tick, before anything is asked.

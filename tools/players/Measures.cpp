@@ -69,7 +69,8 @@ FirstTouch firstTouch(PlayedGame& game, const QImage& picture)
     const std::vector<CellPosition> starts = cellsOf(LevelMap(picture), BlockCheckpoint::Start);
     FirstTouch sum;
     if (!starts.empty())
-        touchAll(game, starts.back(), [&] { game.loads(picture, 0); }, sum);
+        touchAll(
+            game, starts.back(), [&] { game.loads(picture, 0); }, sum);
     return sum;
 }
 

@@ -13,8 +13,8 @@ struct UnkindTouch
     int column;  // of the start or flag that the ball lay on
     int row;
     Qt::Key key;
-    int ticks;     // that the key was held
-    double rise;   // world units that the ball rose over where it lay
+    int ticks;    // that the key was held
+    double rise;  // world units that the ball rose over where it lay
     bool lostLife;
 };
 

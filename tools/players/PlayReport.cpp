@@ -7,12 +7,12 @@
 #include "TrackPicture.h"
 
 #include <QApplication>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
 
@@ -33,10 +33,8 @@ struct Job
     unsigned int seed;
 };
 
-const std::map<Qt::Key, std::string> keyNames{{Qt::Key_Up, "up"},
-                                              {Qt::Key_Down, "down"},
-                                              {Qt::Key_Left, "left"},
-                                              {Qt::Key_Right, "right"}};
+const std::map<Qt::Key, std::string> keyNames{
+    {Qt::Key_Up, "up"}, {Qt::Key_Down, "down"}, {Qt::Key_Left, "left"}, {Qt::Key_Right, "right"}};
 
 double rounded(double number)
 {
@@ -166,7 +164,8 @@ std::string cellsInWords(const Json& level)
     }
     std::ostringstream text;
     for (const auto& [cell, count] : counts) {
-        text << (text.tellp() > 0 ? "; " : "") << "column " << cell.second << ", row " << cell.first;
+        text << (text.tellp() > 0 ? "; " : "") << "column " << cell.second << ", row "
+             << cell.first;
         if (count > 1)
             text << " (" << count << " times)";
     }

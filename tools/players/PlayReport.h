@@ -17,9 +17,9 @@ struct PlayWish
     bool firstTouch = false;
     bool toddler = false;
     bool json = false;
-    std::string track;      // picture to draw the ball's ways into; empty for none
+    std::string track;  // picture to draw the ball's ways into; empty for none
     int processes = 2;
-    std::string home;       // the folder that holds data/
+    std::string home;  // the folder that holds data/
 };
 
 /// Plays, tells what came of it, and says on `progress` how far it is. 0 when every picture was won

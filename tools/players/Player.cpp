@@ -1,8 +1,8 @@
 #include "Player.h"
 
+#include "PerfectPlayer.h"
 #include "Steering.h"
 #include "SteeringHand.h"
-#include "PerfectPlayer.h"
 #include "TapPlayer.h"
 
 Player::Player(PlayedGame& playedGame, const LevelMap& map, const Temper& temper, int delay)
@@ -22,8 +22,7 @@ osg::Vec3d Player::expectedBall() const
     const double seconds = sight.delay() * steering::worldSecondsPerTick;
     const osg::Vec3d up = seen.up();
     const osg::Vec3d pull = osg::Vec3d(up.x(), up.y(), 0.0) * steering::rollingGravity;
-    const osg::Vec3d there =
-        seen.ball + seen.velocity * seconds + pull * (0.5 * seconds * seconds);
+    const osg::Vec3d there = seen.ball + seen.velocity * seconds + pull * (0.5 * seconds * seconds);
     return there * osg::Matrixd::inverse(seen.board);
 }
 

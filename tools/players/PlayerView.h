@@ -19,8 +19,5 @@ struct PlayerView
 
     osg::Vec3d onBoard() const { return ball * osg::Matrixd::inverse(board); }
     /// The board's upward normal; its x and y are the sines of the tilts.
-    osg::Vec3d up() const
-    {
-        return osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), board);
-    }
+    osg::Vec3d up() const { return osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), board); }
 };

@@ -11,11 +11,11 @@ namespace {
 
 constexpr int fastestEyes = 8;  // ticks: 0.16 s
 constexpr int slowestEyes = 13;
-constexpr double lag = 0.12;              // seconds
-constexpr double mostLead = 0.1;          // radians
-constexpr double reach = 0.61;            // radians: 35 degrees
-constexpr double tremble = 0.0175;        // radians, root of the mean square: one degree
-constexpr double slowestTremor = 1.0;     // Hz
+constexpr double lag = 0.12;           // seconds
+constexpr double mostLead = 0.1;       // radians
+constexpr double reach = 0.61;         // radians: 35 degrees
+constexpr double tremble = 0.0175;     // radians, root of the mean square: one degree
+constexpr double slowestTremor = 1.0;  // Hz
 constexpr double fastestTremor = 8.0;
 constexpr int wavesPerAxis = 5;
 constexpr double secondsPerTick = 1.0 / steering::ticksPerSecond;
@@ -84,7 +84,8 @@ void SteeringHand::move(const Intent& intent)
     const osg::Vec2d tilt(tiltFor(wanted.x(), seen.velocity.x(), up.x(), hand.x()),
                           tiltFor(wanted.y(), seen.velocity.y(), up.y(), hand.y()));
     // A hand that is nearly there commands nothing, and people soon lead the board a little.
-    show(tilt + osg::Vec2d(within(tilt.x() - up.x(), mostLead), within(tilt.y() - up.y(), mostLead)));
+    show(tilt +
+         osg::Vec2d(within(tilt.x() - up.x(), mostLead), within(tilt.y() - up.y(), mostLead)));
 }
 
 void SteeringHand::show(const osg::Vec2d& wantedTilt)
@@ -101,9 +102,8 @@ osg::Vec2d SteeringHand::tremor() const
     osg::Vec2d sum;
     for (std::size_t i = 0; i < waves.size(); ++i) {
         const Wave& wave = waves[i];
-        sum[i % 2] += wave.amplitude * std::sin(2.0 * osg::PI * wave.frequency * tick *
-                                                    secondsPerTick +
-                                                wave.phase);
+        sum[i % 2] += wave.amplitude *
+                      std::sin(2.0 * osg::PI * wave.frequency * tick * secondsPerTick + wave.phase);
     }
     return sum;
 }

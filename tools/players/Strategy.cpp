@@ -84,8 +84,7 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& ball)
         // On the button already, it takes the ball to roll off before it can press anew.
         if (toButton.size() > 1)
             return follow(openPart(sight, toButton), ball, false);
-        const Way aroundIt =
-            finder.way(here, flags.empty() ? goals : flags, {way[open.size()]});
+        const Way aroundIt = finder.way(here, flags.empty() ? goals : flags, {way[open.size()]});
         if (toButton.empty() && !aroundIt.empty())
             return follow(openPart(sight, aroundIt), ball, false);
     }
@@ -117,7 +116,8 @@ Way Strategy::wayToButtonFor(const CellPosition& barrier, const CellPosition& he
     const int group = map.pixel(barrier).alpha;
     return finder.way(here, map.cellsWhere([group](const LevelPixel& pixel) {
         return blockKindOfHue(pixel.hue) == BlockKind::Button && pixel.alpha == group;
-    }), {barrier});
+    }),
+                      {barrier});
 }
 
 /// Whether the cell will not let the ball pass before somebody presses a button.
@@ -231,8 +231,7 @@ Intent Strategy::follow(const Way& way, const osg::Vec3d& ball, bool stops) cons
     if (intent.rolls) {
         // No braking: a ball that stops on the way up a ramp rolls back, one that dawdles on a
         // trapdoor falls, and whatever throws the ball on needs it to come with a speed.
-        const double through =
-            intent.climbs ? climbingSpeed : std::max(temper.speed, hurriedSpeed);
+        const double through = intent.climbs ? climbingSpeed : std::max(temper.speed, hurriedSpeed);
         if (way[1].column != way[0].column)
             intent.velocity.x() = way[1].column > way[0].column ? through : -through;
         else

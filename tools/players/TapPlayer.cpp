@@ -7,17 +7,17 @@
 
 namespace {
 
-constexpr int fastestEyes = 8;    // ticks: 0.16 s
+constexpr int fastestEyes = 8;  // ticks: 0.16 s
 constexpr int slowestEyes = 13;
-constexpr int shortestTap = 2;    // ticks: 40 ms
+constexpr int shortestTap = 2;  // ticks: 40 ms
 constexpr int longestTap = 4;
-constexpr int restTicks = 8;      // between two taps of a finger
+constexpr int restTicks = 8;          // between two taps of a finger
 constexpr double tiltPerTick = 0.09;  // radians that a tick of a key turns the board in the end
 constexpr double turnToCome = 0.9;    // seconds: what is left of a turn, by its rate
 constexpr double worthATap = 0.7;     // of what the shortest tap does, at first
 constexpr double leastWorth = 0.25;   // the same when nothing has happened for a while
 constexpr double impatience = 0.01;   // by which that falls a tick
-constexpr double slip = 0.15;         // share of taps that come out a tick longer, and as many shorter
+constexpr double slip = 0.15;  // share of taps that come out a tick longer, and as many shorter
 
 int eyesOf(unsigned int seed, int reaction)
 {

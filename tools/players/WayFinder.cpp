@@ -3,13 +3,14 @@
 #include "blocks/TrapOption.h"
 #include "level/BlockButton.h"
 
+#include <queue>
+
 #include <algorithm>
 #include <limits>
-#include <queue>
 
 namespace {
 
-constexpr double usualDrop = 0.55;    // world units
+constexpr double usualDrop = 0.55;  // world units
 constexpr double desperateDrop = 1.6;
 // What is worth a detour, in cells.
 constexpr double cornerCost = 0.6;
@@ -45,8 +46,8 @@ double WayFinder::exposureOf(const CellPosition& cell) const
     for (int row = -1; row <= 1; ++row) {
         for (int column = -1; column <= 1; ++column) {
             const CellPosition beside{cell.column + column, cell.row + row};
-            const bool bad = !map.hasFloor(beside) || map.isDanger(beside) ||
-                             map.is(beside, BlockKind::Ghost);
+            const bool bad =
+                !map.hasFloor(beside) || map.isDanger(beside) || map.is(beside, BlockKind::Ghost);
             if (bad)
                 holes += row == 0 || column == 0 ? 1.0 : 0.5;
         }

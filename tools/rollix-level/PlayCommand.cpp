@@ -71,8 +71,7 @@ void addPlayCommand(CLI::App& program, int& result)
     command->add_flag("--toddler", wish->toddler, "Also tells what random keys cost");
     command->add_flag("--json", wish->json, "For programs");
     command->add_option("--track", wish->track, "Draws the ball's ways into this picture");
-    command
-        ->add_option("--processes", wish->processes, "How many runs are played side by side")
+    command->add_option("--processes", wish->processes, "How many runs are played side by side")
         ->check(CLI::Range(1, 64))
         ->capture_default_str();
     command->callback([wish, &result] { result = play(*wish); });
