@@ -88,6 +88,8 @@ Json work(const PlayWish& wish, const QImage& picture, const Job& job)
     // Nothing of this is to be seen, and it needs no display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_LOGGING_RULES", "*.debug=false;qt.qpa.*=false");
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        qputenv("XDG_RUNTIME_DIR", QDir::tempPath().toLocal8Bit());
     int argc = 1;
     char name[] = "rollix";
     char* argv[] = {name, nullptr};

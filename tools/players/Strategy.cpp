@@ -18,8 +18,9 @@ constexpr double hurriedSpeed = 2.5;   // what it takes to fly across, or to be 
 constexpr int runUpSteps = 4;
 constexpr double touchReach = 1.2;   // a ball so near over a cell may have touched it
 constexpr double heightReach = 0.1;  // an elevator so near its end is there
-constexpr int freshRest = 36;        // ticks: an elevator that has rested longer may leave too soon
-constexpr int restTicks = 550;       // of what rests, with a second to spare
+constexpr double deepestDrop = 2.0;
+constexpr int freshRest = 36;   // ticks: an elevator that has rested longer may leave too soon
+constexpr int restTicks = 550;  // of what rests, with a second to spare
 constexpr int ticksPerSecond = steering::ticksPerSecond;
 
 double within(double value, double limit)
@@ -54,7 +55,7 @@ Strategy::Strategy(const LevelMap& levelMap, const Temper& playersTemper)
 {
 }
 
-Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& ball)
+Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& expectedBall)
 {
     ++tick;
     Intent intent;
@@ -64,10 +65,15 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& ball)
         noteTouchedCell(seenCell, seen);
     // A flag that has sunk. The ball may have flown over one that has not.
     flags.erase(std::remove(flags.begin(), flags.end(), sight.checkpoint()), flags.end());
-    // What it sees is surer than where it thinks that the ball has gone.
+    // What it sees is surer than where it thinks that the ball has gone: not into a wall.
+    osg::Vec3d ball = expectedBall;
     CellPosition here = map.cellAt(ball.x(), ball.y());
-    if (!map.hasFloor(here))
+    if (!map.hasFloor(here) ||
+        (!(here == seenCell) && map.hasFloor(seenCell) &&
+         !map.rollsAt(seenCell, sight.shift(seenCell), here, sight.shift(here), deepestDrop))) {
         here = seenCell;
+        ball = seen;
+    }
     // A board that moves under a floating ball only hits it.
     if (!map.hasFloor(here) || tick < weightlessUntil) {
         intent.keepsBoard = true;

@@ -37,8 +37,8 @@ public:
     /// The map has to outlive this.
     Strategy(const LevelMap& map, const Temper& temper);
 
-    /// Once a tick. `ball` is where the player believes it to be now, on the board.
-    Intent decide(const LevelSight& sight, const osg::Vec3d& ball);
+    /// Once a tick. `expectedBall` is where the player believes it to be now, on the board.
+    Intent decide(const LevelSight& sight, const osg::Vec3d& expectedBall);
 
 private:
     void noteTouchedCell(const CellPosition& here, const osg::Vec3d& ball);

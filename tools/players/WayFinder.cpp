@@ -16,6 +16,7 @@ constexpr double desperateDrop = 1.6;
 constexpr double cornerCost = 0.6;
 constexpr double dropCost = 3.0;
 constexpr double trapdoorCost = 3.0;
+constexpr double springCost = 6.0;  // of one that is not there to be taken
 constexpr double toggleCost = 8.0;  // a button that would undo what it has done
 constexpr int directions = 5;
 constexpr int leap = 4;
@@ -64,7 +65,7 @@ double WayFinder::costOf(const CellPosition& from, const CellPosition& to) const
         BlockButton::Behaviour::ofSaturation(map.pixel(to).saturation).mode == BlockButton::Toggle)
         cost += toggleCost;
     if (directionOf(from, to) != leap && !map.rolls(from, to, 0.05))
-        cost += dropCost;
+        cost += dropCost + (map.isSpring(to) ? springCost : 0.0);
     return cost;
 }
 
