@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 
 #include <QObject>
 #include <QTimer>
@@ -10,21 +11,12 @@
 /// A block that goes up or down through the board and is locked at each end of its way. Nothing
 /// moves it along a path: it is a body that the drive of a sliding joint pulls against a stop, and
 /// the ball rides on it by contact. An automatic one turns back a second after each end, the others
-/// wait for a button. Main thread.
+/// wait for a button. Main thread, world lock held, in its timer's steps as well.
 class BlockElevator : public QObject, public Block
 {
     Q_OBJECT
 
 public:
-    /// What a pixel's saturation makes of an elevator.
-    struct Way
-    {
-        bool automatic;
-        double travel;  // signed, along the board's vertical; never 0
-
-        static Way ofSaturation(int saturation);
-    };
-
     BlockElevator(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// Leaves in the other direction, from an end as well as on the way.
@@ -50,7 +42,7 @@ private:
     unsigned int lockJointId;
     bool locked = false;
     QTimer timer;
-    const Way way;
+    const ElevatorOption way;
     int direction = Out;
     std::function<void()> frameTask;
 };

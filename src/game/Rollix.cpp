@@ -1,5 +1,6 @@
 #include "game/Rollix.h"
 
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "hand/HandCamera.h"
@@ -14,6 +15,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
+#include "shaders/StageRecipes.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
@@ -23,7 +25,6 @@
 
 namespace {
 
-constexpr float secondsPerTick = 0.033333335f;  // 1/30
 constexpr int hitSounds = 8;
 
 // The camera's circle around the board, in world units and radians.
@@ -32,7 +33,6 @@ constexpr float cameraDistance = 25.0f;
 constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
-const osg::Vec3f gravity(0.0f, 0.0f, -9.81f);
 const osg::Vec3f lightPosition(8.0f, -8.0f, 16.0f);
 const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
 
@@ -41,10 +41,10 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
 
-Rollix::Rollix(OsgViewerWidget* widget)
+Rollix::Rollix(OsgViewerWidget* window) : widget(window)
 {
     const GameLoop::Lock worldLock;
-    setUpCamera(widget);
+    setUpCamera();
     createWorld();
     loadLevel(0);
     setSceneData(sceneRoot);
@@ -59,6 +59,9 @@ Rollix::Rollix(OsgViewerWidget* widget)
 
 Rollix::~Rollix()
 {
+    LeapManager::forget(this);
+    if (widget)
+        widget->removeKeyListener(this);
     handCamera = nullptr;
     level = nullptr;
     messageText = nullptr;
@@ -67,7 +70,7 @@ Rollix::~Rollix()
     shaderPrograms.clear();
 }
 
-void Rollix::setUpCamera(OsgViewerWidget* widget)
+void Rollix::setUpCamera()
 {
     osg::Camera* camera = getCamera();
     camera->setGraphicsContext(widget->getGraphicsWindow());
@@ -79,7 +82,7 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 void Rollix::createWorld()
 {
     const GameLoop::Lock worldLock;
-    createScene(gravity);
+    createScene(osg::Vec3f(0.0f, 0.0f, -world::gravity));
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
@@ -155,6 +158,7 @@ void Rollix::loadLevel(unsigned int number)
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
+    isMessageOld = messageText && messageText->isVisible();
     state = GameState::WaitingForRest;
 }
 
@@ -169,29 +173,49 @@ void Rollix::showMessage(const std::string& text, const osg::Vec4f& color)
 
 void Rollix::levelCompleted()
 {
-    state = GameState::LevelCompleted;
-    showMessage("Well Done!", goodNews);
+    endLevel(GameState::LevelCompleted, "Well Done!", goodNews);
 }
 
 void Rollix::levelFailed()
 {
-    state = GameState::LevelFailed;
-    showMessage("Not even close...", badNews);
+    endLevel(GameState::LevelFailed, "Not even close...", badNews);
 }
 
-ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles,
-                                            const std::string& startMainCode)
+void Rollix::endLevel(GameState outcome, const std::string& text, const osg::Vec4f& color)
+{
+    // The fuse of a mine burns on behind a menu.
+    if (pauseMenu->isVisible())
+        pauseMenu->hide();
+    state = outcome;
+    isMessageOld = false;
+    showMessage(text, color);
+}
+
+bool Rollix::hasLevelEnded() const
+{
+    return state == GameState::LevelCompleted || state == GameState::LevelFailed;
+}
+
+bool Rollix::isMenuVisible() const
+{
+    return pauseMenu->isVisible() || endMenu->isVisible();
+}
+
+ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
-    if (!shader) {
-        shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
-        for (const std::string& file : preMainFiles)
-            shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
-        if (!startMainCode.empty())
-            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
-    }
+    if (!shader)
+        shader = makeStage(name);
     return shader;
+}
+
+void Rollix::setSharedStages(ShaderProgram& program, const std::string& programName)
+{
+    const ProgramRecipe& recipe = programRecipe(programName);
+    program.setVertexShader(sharedShader(recipe.vertexStage));
+    if (!recipe.geometryStage.empty())
+        program.setGeometryShader(sharedShader(recipe.geometryStage));
+    program.setFragmentShader(sharedShader(recipe.fragmentStage));
 }
 
 void Rollix::update()
@@ -228,22 +252,35 @@ void Rollix::applyKeyTorque()
     const auto turn = [&](const osg::Vec3f& axis) {
         addTorque(boardId, rotation * axis, forceModeVelocityChange, true);
     };
-    if (keyUp)
+    if (keyUp.takeTick())
         turn(osg::Vec3f(0.1f, 0.0f, 0.0f));
-    if (keyDown)
+    if (keyDown.takeTick())
         turn(osg::Vec3f(-0.1f, 0.0f, 0.0f));
-    if (keyLeft)
+    if (keyLeft.takeTick())
         turn(osg::Vec3f(0.0f, 0.1f, 0.0f));
-    if (keyRight)
+    if (keyRight.takeTick())
         turn(osg::Vec3f(0.0f, -0.1f, 0.0f));
 }
 
 float Rollix::timeStep()
 {
-    return secondsPerTick;
+    return world::secondsPerTick;
 }
 
-bool* Rollix::keyFlag(int key)
+void Rollix::ArrowKey::press()
+{
+    // What repeats has had its ticks.
+    isDue = isDue || !isHeld;
+    isHeld = true;
+}
+
+bool Rollix::ArrowKey::takeTick()
+{
+    const bool wasDue = std::exchange(isDue, false);
+    return isHeld || wasDue;
+}
+
+Rollix::ArrowKey* Rollix::arrowKey(int key)
 {
     switch (key) {
     case Qt::Key_Up:
@@ -261,10 +298,21 @@ bool* Rollix::keyFlag(int key)
 
 void Rollix::keyPressEvent(QKeyEvent* event)
 {
-    if (bool* flag = keyFlag(event->key())) {
-        *flag = true;
+    if (ArrowKey* arrow = arrowKey(event->key())) {
+        arrow->press();
+        if (!event->isAutoRepeat())
+            takeOldMessageAway();
         event->accept();
     }
+}
+
+void Rollix::takeOldMessageAway()
+{
+    const GameLoop::Lock worldLock;
+    if (!isMessageOld || isMenuVisible())
+        return;
+    messageText->hide();
+    isMessageOld = false;
 }
 
 void Rollix::keyReleaseEvent(QKeyEvent* event)
@@ -290,8 +338,8 @@ void Rollix::serveKey(QKeyEvent* event)
         return;
     }
 
-    if (bool* flag = keyFlag(event->key())) {
-        *flag = false;
+    if (ArrowKey* arrow = arrowKey(event->key())) {
+        arrow->release();
         event->accept();
         return;
     }
@@ -308,6 +356,12 @@ void Rollix::serveKey(QKeyEvent* event)
     case Qt::Key_Escape:
         state = GameState::PauseMenu;
         pauseMenu->toggle();
+        break;
+    case Qt::Key_Return:
+        // A sensor's next frame would do it; there may be none.
+        if (!hasLevelEnded())
+            return;
+        endMenu->show();
         break;
     default:
         return;

@@ -2,6 +2,7 @@
 #include "LevelMap.h"
 #include "LevelSight.h"
 #include "Strategy.h"
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/MenuHUD.h"
@@ -15,11 +16,10 @@
 
 namespace {
 
-constexpr double gravity = 9.81 * 5.0 / 7.0;  // of a ball that rolls
-constexpr double topSpeed = 2.0;              // units/s
-constexpr double obedience = 1.2;             // wanted acceleration per unit of missing speed, 1/s
-constexpr double gentleTilt = 0.2;            // sine of the board's angle
-constexpr double leastLead = 0.11;            // radians: a smaller one commands nothing
+constexpr double topSpeed = 2.0;    // units/s
+constexpr double obedience = 1.2;   // wanted acceleration per unit of missing speed, 1/s
+constexpr double gentleTilt = 0.2;  // sine of the board's angle
+constexpr double leastLead = 0.11;  // radians: a smaller one commands nothing
 constexpr double mostLead = 0.45;
 constexpr double leadPerTilt = 2.0;    // how far the hand goes ahead, per missing tilt
 constexpr double closeEnough = 0.015;  // sine of the angle that is not worth a move
@@ -93,8 +93,10 @@ private:
     {
         const osg::Vec3d wanted = osg::Matrixd::transform3x3(
             osg::Vec3d(intent.velocity.x(), intent.velocity.y(), 0.0), view.board);
-        return {within((wanted.x() - view.velocity.x()) * obedience / gravity, gentleTilt),
-                within((wanted.y() - view.velocity.y()) * obedience / gravity, gentleTilt)};
+        return {within((wanted.x() - view.velocity.x()) * obedience / world::rollingGravity,
+                       gentleTilt),
+                within((wanted.y() - view.velocity.y()) * obedience / world::rollingGravity,
+                       gentleTilt)};
     }
 
     QImage picture;

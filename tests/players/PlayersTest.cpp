@@ -1,5 +1,5 @@
-#include "ManualClock.h"
 #include "Played.h"
+#include "PlayersClock.h"
 #include "Processes.h"
 
 #include <gtest/gtest.h>
@@ -67,8 +67,8 @@ TEST(Players, PlayOnAClockThatTheyMove)
     const std::vector<std::string> seen = inProcesses(
         1, 1,
         [](std::size_t) {
-            ManualClock::stop();
-            return std::string(ManualClock::isSeenByLibraries() ? "seen" : "unseen");
+            PlayersClock::stop();
+            return std::string(PlayersClock::isSeenByLibraries() ? "seen" : "unseen");
         },
         [](std::size_t) {});
     EXPECT_EQ(seen[0], "seen");

@@ -11,7 +11,7 @@ class Rollix;
 
 /// The one game of the process, played tick by tick as fast as it can be worked out: after each
 /// tick the process's clock goes on by as much, so that all timers keep their places. Nothing is
-/// drawn in this process any more. The program must link ManualClock, and have the game's data/
+/// drawn in this process any more. The program must link PlayersClock, and have the game's data/
 /// below a working directory whose level pictures it may overwrite.
 class PlayedGame
 {

@@ -1,6 +1,6 @@
 #include "PlayedWorld.h"
 
-#include "ManualClock.h"
+#include "PlayersClock.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -9,7 +9,7 @@
 PlayedWorld::PlayedWorld(const QDir& home) : folder(home)
 {
     folder.enter();
-    ManualClock::stop();
+    PlayersClock::stop();
     // As in the game itself, neither widget nor game is ever deleted.
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);

@@ -7,7 +7,7 @@
 /// its timers takes as long as its ticks, and every run is the same run.
 ///
 /// Nothing of such a program may wait in a loop for time to pass.
-class ManualClock
+class PlayersClock
 {
 public:
     /// Before anything has asked for the time that is to be told by this clock; for good.

@@ -1,4 +1,4 @@
-#include "ManualClock.h"
+#include "PlayersClock.h"
 
 #include <QElapsedTimer>
 #include <osg/Timer>
@@ -67,17 +67,17 @@ time_t time(time_t* result) noexcept
 }
 }
 
-void ManualClock::stop()
+void PlayersClock::stop()
 {
     stopped = true;
 }
 
-void ManualClock::advance(std::chrono::nanoseconds time)
+void PlayersClock::advance(std::chrono::nanoseconds time)
 {
     advanced += time.count();
 }
 
-bool ManualClock::isSeenByLibraries()
+bool PlayersClock::isSeenByLibraries()
 {
     QElapsedTimer qtClock;
     qtClock.start();
