@@ -113,7 +113,7 @@ bool LevelMap::rollsAt(const CellPosition& from, double fromShift, const CellPos
 {
     if (is(from, BlockKind::Portal))
         return false;
-    if (is(to, BlockKind::Portal))
+    if (is(to, BlockKind::Portal) && !hasMouthOnTop(to))
         return entersPortal(from, to);
     const int column = to.column - from.column;
     const int row = to.row - from.row;
@@ -241,6 +241,17 @@ std::vector<CellPosition> LevelMap::leaps(const CellPosition& from) const
     return {};
 }
 
+std::vector<CellPosition> LevelMap::next(const CellPosition& from, double drop) const
+{
+    std::vector<CellPosition> reachable = leaps(from);
+    for (const auto& step : steps) {
+        const CellPosition beside{from.column + step[0], from.row + step[1]};
+        if (contains(beside) && rolls(from, beside, drop))
+            reachable.push_back(beside);
+    }
+    return reachable;
+}
+
 bool LevelMap::climbs(const CellPosition& from, const CellPosition& to) const
 {
     const int column = std::clamp(to.column - from.column, -1, 1);
@@ -266,17 +277,11 @@ std::vector<CellPosition> LevelMap::way(const CellPosition& from, const CellPosi
     while (!open.empty() && cameFrom[index(to)] < 0) {
         const CellPosition cell = open.front();
         open.pop_front();
-        std::vector<CellPosition> reachable = leaps(cell);
-        for (const auto& step : steps) {
-            const CellPosition next{cell.column + step[0], cell.row + step[1]};
-            if (contains(next) && rolls(cell, next, drop))
-                reachable.push_back(next);
-        }
-        for (const CellPosition& next : reachable) {
-            if (cameFrom[index(next)] >= 0 || !allowed(cell, next))
+        for (const CellPosition& reached : next(cell, drop)) {
+            if (cameFrom[index(reached)] >= 0 || !allowed(cell, reached))
                 continue;
-            cameFrom[index(next)] = int(index(cell));
-            open.push_back(next);
+            cameFrom[index(reached)] = int(index(cell));
+            open.push_back(reached);
         }
     }
     if (cameFrom[index(to)] < 0)

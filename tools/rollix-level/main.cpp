@@ -2,6 +2,9 @@
 #include "PaletteCommand.h"
 #include "TryCommand.h"
 #include "ViewCommand.h"
+#ifdef ROLLIX_HAS_PLAYERS
+#include "PlayCommand.h"
+#endif
 
 #include <CLI/CLI.hpp>
 
@@ -15,6 +18,9 @@ int main(int argc, char** argv)
     addPaletteCommand(program, result);
     addTryCommand(program, result);
     addViewCommand(program, result);
+#ifdef ROLLIX_HAS_PLAYERS
+    addPlayCommand(program, result);
+#endif
     CLI11_PARSE(program, argc, argv);
     return result;
 }
