@@ -98,12 +98,10 @@ TEST_F(RibbonTest, IsAStripThatFadesAtBothEnds)
         EXPECT_NEAR(colors[i].a(), opacity, 1e-5f) << i;
     for (int i = 0; i < int(vertexCount); i += 2) {
         EXPECT_EQ(colors[i].a(), colors[i + 1].a()) << "left and right edge, at " << i;
-        if (i >= 2 && i <= 24) {
+        if (i >= 2 && i <= 24)
             EXPECT_GT(colors[i].a(), colors[i - 2].a()) << i;
-        }
-        if (i > 26) {
+        if (i > 26)
             EXPECT_LT(colors[i].a(), colors[i - 2].a()) << i;
-        }
     }
 
     const osg::StateSet* state = parent->getChild(0)->getStateSet();

@@ -122,10 +122,9 @@ TEST(PlayReport, DrawsTheWayOfTheBall)
     const QImage track(QString::fromStdString(wish.track));
     ASSERT_FALSE(track.isNull());
     int light = 0;
-    for (int y = 0; y < track.height(); ++y) {
+    for (int y = 0; y < track.height(); ++y)
         for (int x = 0; x < track.width(); ++x)
             light += qGray(track.pixel(x, y)) > 150 ? 1 : 0;
-    }
     EXPECT_GT(light, 50);
 }
 

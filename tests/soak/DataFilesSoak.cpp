@@ -28,11 +28,10 @@ protected:
     static QStringList dataFiles()
     {
         QStringList files;
-        for (const QString& folder : {QString("data/"), QString("data/Rollix/")}) {
+        for (const QString& folder : {QString("data/"), QString("data/Rollix/")})
             for (const QString& name :
                  QDir(QString(ROLLIX_SOURCE_DIR "/") + folder).entryList(QDir::Files))
                 files << folder + name;
-        }
         return files;
     }
 
@@ -89,10 +88,12 @@ protected:
         ProgramWindow window;
         QByteArray output;
         const auto says = [&](const QByteArray& line) {
-            return waitsFor(program, [&] {
-                output += program.readAll();
-                return output.contains(line);
-            });
+            return waitsFor(
+                program,
+                [&] {
+                    output += program.readAll();
+                    return output.contains(line);
+                });
         };
         ASSERT_TRUE(waitsFor(program, [&] { return window.find(program.processId()); }));
         window.presses("Right");

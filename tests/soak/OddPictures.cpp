@@ -29,10 +29,9 @@ QByteArray saved(const QImage& image, const char* format = "PNG")
 QImage noise(Random& random, int width, int height)
 {
     QImage image(width, height, QImage::Format_ARGB32);
-    for (int row = 0; row < height; ++row) {
+    for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column)
             image.setPixel(column, row, random());
-    }
     return image;
 }
 

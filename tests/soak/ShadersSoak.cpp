@@ -46,11 +46,10 @@ protected:
     static QStringList shaderFiles()
     {
         QStringList files;
-        for (const QString& folder : {QString("data/"), QString("data/Rollix/")}) {
+        for (const QString& folder : {QString("data/"), QString("data/Rollix/")})
             for (const QString& name :
                  QDir(folder).entryList({"*.vert", "*.frag", "*.geom", "*.glsl"}, QDir::Files))
                 files << folder + name;
-        }
         return files;
     }
 

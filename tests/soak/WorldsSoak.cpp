@@ -91,10 +91,9 @@ protected:
 
     bool allPosesAreFinite()
     {
-        for (const auto& [id, transform] : GameInside::transformsOf(game)) {
+        for (const auto& [id, transform] : GameInside::transformsOf(game))
             if (!transform->getMatrix().valid())
                 return false;
-        }
         return true;
     }
 };

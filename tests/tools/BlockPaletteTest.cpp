@@ -41,9 +41,8 @@ TEST(BlockPalette, GivesEveryOptionTheHeightThatIsWanted)
     for (const int value : {73, 86, 95, 100}) {
         for (const Swatch& swatch : blockPalette(value)) {
             const LevelPixel pixel = LevelPixel::decode(swatch.color);
-            if (blockKindOfHue(pixel.hue) != BlockKind::Standard) {
+            if (blockKindOfHue(pixel.hue) != BlockKind::Standard)
                 EXPECT_EQ(pixel.value, value) << swatch.name;
-            }
         }
     }
 }

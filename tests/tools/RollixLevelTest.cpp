@@ -54,9 +54,8 @@ TEST_F(RollixLevel, WantsToKnowWhatToDo)
     runs({});
     EXPECT_NE(program.exitCode(), 0);
     runs({"--help"});
-    for (const char* command : {"check", "palette", "try", "view"}) {
+    for (const char* command : {"check", "palette", "try", "view"})
         EXPECT_NE(output.find(command), std::string::npos) << output;
-    }
 }
 
 TEST_F(RollixLevel, NeedsNoDisplayToHelp)

@@ -72,12 +72,11 @@ void addOptions(std::vector<Swatch>& swatches, int hue, int value)
 std::vector<Swatch> blockPalette(int value)
 {
     std::vector<Swatch> swatches;
-    for (const BlockKind kind : kinds) {
+    for (const BlockKind kind : kinds)
         if (kind == BlockKind::Standard)
             addShapes(swatches, nominalHue(kind));
         else
             addOptions(swatches, nominalHue(kind), value);
-    }
     return swatches;
 }
 

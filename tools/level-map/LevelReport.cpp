@@ -162,10 +162,9 @@ LevelReport::Cells LevelReport::ofKind(BlockKind kind) const
 std::map<int, int> LevelReport::groupsWith(const LevelMap::PixelTest& test) const
 {
     std::map<int, int> counts;
-    for (const CellPosition& cell : map.cellsWhere(test)) {
+    for (const CellPosition& cell : map.cellsWhere(test))
         if (map.hasFloor(cell))
             ++counts[map.pixel(cell).alpha];
-    }
     return counts;
 }
 

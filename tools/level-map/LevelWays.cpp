@@ -69,10 +69,9 @@ LevelWays::LevelWays(const LevelMap& levelMap, const CellPosition& start) : map(
 {
     for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
              return blockKindOfHue(pixel.hue) == BlockKind::Portal;
-         })) {
+         }))
         if (map.hasFloor(cell))
             portals[map.pixel(cell).alpha].push_back(cell);
-    }
     openGroups(start);
 }
 
@@ -85,10 +84,9 @@ void LevelWays::openGroups(const CellPosition& start)
     do {
         before = buttons.size();
         fromStart = flood(start);
-        for (const CellPosition& button : all) {
+        for (const CellPosition& button : all)
             if (has(fromStart, button))
                 buttons.emplace(map.pixel(button).alpha, button);
-        }
     } while (buttons.size() > before);
 }
 
@@ -208,10 +206,9 @@ void LevelWays::roll(const CellPosition& from, const CellPosition& way, double h
         return;
     if (entersMouth(from, height, next))
         reached({next, true}, Move::Roll);
-    for (const double edge : heightsWhereEntered(next, way)) {
+    for (const double edge : heightsWhereEntered(next, way))
         if (edge <= height + tolerance)
             land(next, Move::Roll, reached);
-    }
 }
 
 void LevelWays::jump(const CellPosition& from, const CellPosition& way, double height,
@@ -223,10 +220,9 @@ void LevelWays::jump(const CellPosition& from, const CellPosition& way, double h
         return;
     const int run = runUp(from, way);
     const double highest = run >= longRunUp ? height : height - lowerSide;
-    for (const double edge : heightsWhereEntered(target, way)) {
+    for (const double edge : heightsWhereEntered(target, way))
         if (run >= shortRunUp && edge <= highest + tolerance)
             land(target, Move::Jump, reached);
-    }
 }
 
 void LevelWays::fly(const CellPosition& from, const CellPosition& way, double height, int holes,
@@ -235,10 +231,9 @@ void LevelWays::fly(const CellPosition& from, const CellPosition& way, double he
     for (int distance = 1; distance <= holes + 1; ++distance) {
         const CellPosition cell = beyond(from, way, distance);
         if (carries(cell)) {
-            for (const double edge : heightsWhereEntered(cell, way)) {
+            for (const double edge : heightsWhereEntered(cell, way))
                 if (edge <= height + tolerance)
                     land(cell, by, reached);
-            }
         }
         if (!isLowerThan(cell, height))
             return;
@@ -256,10 +251,9 @@ void LevelWays::cross(const CellPosition& portal, const Reached& reached) const
             const bool fromTop = map.hasMouthOnTop(partner);
             if (!carries(exit) || !(fromTop || exit == map.beforeMouth(partner)))
                 continue;
-            for (const double edge : heightsWhereEntered(exit, way)) {
+            for (const double edge : heightsWhereEntered(exit, way))
                 if (edge <= (fromTop ? top + tolerance : top - mouthTop))
                     land(exit, Move::Portal, reached);
-            }
         }
     }
 }

@@ -60,10 +60,9 @@ bool isMixOf(QRgb color, QRgb a, QRgb b)
     if (whole < leastDifference || along < channelTolerance || along > whole - channelTolerance)
         return false;
     const double share = along / whole;
-    for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 3; ++i)
         if (std::abs(first[i] + share * (second[i] - first[i]) - mixed[i]) > channelTolerance)
             return false;
-    }
     return true;
 }
 
@@ -71,16 +70,14 @@ bool isMixOfNeighbours(const QImage& picture, int column, int row)
 {
     std::vector<QRgb> neighbours;
     for (int y = std::max(0, row - 1); y <= std::min(picture.height() - 1, row + 1); ++y) {
-        for (int x = std::max(0, column - 1); x <= std::min(picture.width() - 1, column + 1); ++x) {
+        for (int x = std::max(0, column - 1); x <= std::min(picture.width() - 1, column + 1); ++x)
             if (x != column || y != row)
                 neighbours.push_back(picture.pixel(x, y));
-        }
     }
     for (std::size_t i = 0; i < neighbours.size(); ++i) {
-        for (std::size_t j = i + 1; j < neighbours.size(); ++j) {
+        for (std::size_t j = i + 1; j < neighbours.size(); ++j)
             if (isMixOf(picture.pixel(column, row), neighbours[i], neighbours[j]))
                 return true;
-        }
     }
     return false;
 }
@@ -103,11 +100,10 @@ bool isSmoothed(const QImage& picture)
 bool isOfSquares(const QImage& picture, int size)
 {
     for (int row = 0; row < picture.height(); ++row) {
-        for (int column = 0; column < picture.width(); ++column) {
+        for (int column = 0; column < picture.width(); ++column)
             if (picture.pixel(column, row) !=
                 picture.pixel(column - column % size, row - row % size))
                 return false;
-        }
     }
     return true;
 }
@@ -124,12 +120,10 @@ int pixelsACell(const QImage& picture)
                              (pixel.value > 0 && blockKindOfHue(pixel.hue) != BlockKind::Standard);
         }
     }
-    for (int size = std::min(picture.width(), picture.height()); hasOtherBlocks && size > 1;
-         --size) {
+    for (int size = std::min(picture.width(), picture.height()); hasOtherBlocks && size > 1; --size)
         if (picture.width() % size == 0 && picture.height() % size == 0 &&
             isOfSquares(picture, size))
             return size;
-    }
     return 1;
 }
 
@@ -154,8 +148,9 @@ using Colours = std::map<QRgb, int>;
 
 int pixelsOf(const Colours& colours)
 {
-    return std::accumulate(colours.begin(), colours.end(), 0,
-                           [](int sum, const auto& colour) { return sum + colour.second; });
+    return std::accumulate(
+        colours.begin(), colours.end(), 0,
+        [](int sum, const auto& colour) { return sum + colour.second; });
 }
 
 /// The share of pixels that have a colour of the guide after this gamma.

@@ -160,10 +160,9 @@ void summarise(Json& level)
 std::string cellsInWords(const Json& level)
 {
     std::map<std::pair<int, int>, int> counts;
-    for (const Json& run : level["runs"]) {
+    for (const Json& run : level["runs"])
         for (const Json& cell : run["falls"])
             ++counts[{cell[1], cell[0]}];
-    }
     std::ostringstream text;
     for (const auto& [cell, count] : counts) {
         text << (text.tellp() > 0 ? "; " : "") << "column " << cell.second << ", row "

@@ -93,10 +93,9 @@ void PlayedGame::seesHand(const osg::Vec3d& up)
 
 void PlayedGame::restartsAt(float x, float y)
 {
-    for (BlockCheckpoint* checkpoint : BlockCheckpoint::allCheckpoints) {
+    for (BlockCheckpoint* checkpoint : BlockCheckpoint::allCheckpoints)
         if (checkpoint->x == x && checkpoint->y == y)
             game.level->checkpoint = checkpoint;
-    }
     game.level->restart(false);
     game.setAngularVelocity(game.level->board->getId(), osg::Vec3f(), true);
 }

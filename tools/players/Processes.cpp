@@ -83,10 +83,9 @@ std::vector<std::string> inProcesses(std::size_t count, int atATime,
     std::size_t started = 0;
     std::size_t done = 0;
     while (done < count) {
-        while (started < count && int(children.size()) < std::max(1, atATime)) {
+        while (started < count && int(children.size()) < std::max(1, atATime))
             if (!start(started++, work, children))
                 ++done;
-        }
         std::vector<pollfd> waiting;
         for (const Child& child : children)
             waiting.push_back({child.output, POLLIN, 0});

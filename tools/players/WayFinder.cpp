@@ -76,10 +76,9 @@ WayFinder::Graph WayFinder::graphFor(double drop) const
         const CellPosition cell = cellOf(from);
         if (!map.hasFloor(cell))
             continue;
-        for (const CellPosition& next : map.next(cell, drop)) {
+        for (const CellPosition& next : map.next(cell, drop))
             if (!map.isDanger(next))
                 graph[from].push_back({index(next), directionOf(cell, next), costOf(cell, next)});
-        }
     }
     return graph;
 }

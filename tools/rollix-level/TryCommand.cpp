@@ -42,10 +42,9 @@ QString gameProgram()
 
 bool hasDisplay()
 {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         if (!qEnvironmentVariableIsEmpty(name))
             return true;
-    }
     return false;
 }
 
@@ -83,10 +82,12 @@ public:
         watch();
         QObject::connect(&watcher, &QFileSystemWatcher::fileChanged, [this] { settle.start(); });
         // Many programs save by putting another file in its place.
-        QObject::connect(&watcher, &QFileSystemWatcher::directoryChanged, [this] {
-            if (QFileInfo(file).lastModified() != told)
-                settle.start();
-        });
+        QObject::connect(
+            &watcher, &QFileSystemWatcher::directoryChanged,
+            [this] {
+                if (QFileInfo(file).lastModified() != told)
+                    settle.start();
+            });
         QObject::connect(&settle, &QTimer::timeout, [this] { tell(); });
     }
 

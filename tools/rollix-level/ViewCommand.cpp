@@ -42,10 +42,9 @@ public:
     ~QuietGame()
     {
         std::cout.rdbuf(before);
-        for (std::string line; std::getline(said, line);) {
+        for (std::string line; std::getline(said, line);)
             if (line.rfind("I ", 0) == 0)
                 std::cout << line << std::endl;
-        }
     }
 
     QuietGame(const QuietGame&) = delete;
