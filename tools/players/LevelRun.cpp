@@ -1,8 +1,8 @@
 #include "LevelRun.h"
 
 #include "Player.h"
-#include "blocks/ItemOption.h"
 #include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
 
 #include <algorithm>
 

@@ -3,9 +3,9 @@
 #include "Steering.h"
 #include "blocks/BlockElevator.h"
 #include "blocks/BlockGhost.h"
-#include "blocks/ItemOption.h"
 #include "blocks/TrapOption.h"
 #include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
 
 #include <algorithm>
 #include <cmath>
