@@ -18,7 +18,7 @@ constexpr double fastestEyes = 0.16;  // seconds
 
 int play(PlayWish& wish)
 {
-    const QDir home(QString::fromStdString(DataFolder::find().string()));
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     if (!GameFolder(home).isFilled()) {
         std::cout << home.filePath("data").toStdString()
                   << ": the game's files are not here; start me in the folder that holds data/"

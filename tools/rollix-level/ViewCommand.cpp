@@ -114,7 +114,7 @@ int takePicture(const Wish& wish)
     const QImage level(QString::fromStdString(wish.level));
     if (level.isNull())
         return refuse(wish.level + ": this is no picture that I can read");
-    const QDir home(QString::fromStdString(DataFolder::find().string()));
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     if (!GameFolder(home).isFilled())
         return refuse(home.filePath("data").toStdString() +
                       ": the game's files are not here; start me in the folder that holds data/");
