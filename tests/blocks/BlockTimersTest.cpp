@@ -1,6 +1,7 @@
 // The long delays of traps and items, on a clock that costs no time.
 
 #include "BlockTest.h"
+#include "ManualClock.h"
 #include "blocks/BlockItem.h"
 #include "blocks/BlockTrap.h"
 #include "frame/GameLoop.h"
@@ -10,7 +11,6 @@
 #include "level/Ball.h"
 #include "level/Level.h"
 #include "support/DifferingPixels.h"
-#include "support/ManualClock.h"
 #include "support/SceneSearch.h"
 
 #include <QThread>

@@ -1,9 +1,9 @@
+#include "ManualClock.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
 #include "level/Level.h"
 #include "support/Census.h"
 #include "support/GameTest.h"
-#include "support/ManualClock.h"
 #include "support/OutputCapture.h"
 
 #include <fstream>

@@ -1,8 +1,10 @@
+#include "ManualClock.h"
 #include "Played.h"
-#include "PlayersClock.h"
 #include "Processes.h"
 
+#include <QElapsedTimer>
 #include <gtest/gtest.h>
+#include <osg/Timer>
 
 #include <cstdlib>
 #include <fstream>
@@ -67,8 +69,16 @@ TEST(Players, PlayOnAClockThatTheyMove)
     const std::vector<std::string> seen = inProcesses(
         1, 1,
         [](std::size_t) {
-            PlayersClock::stop();
-            return std::string(PlayersClock::isSeenByLibraries() ? "seen" : "unseen");
+            ManualClock clock;
+            QElapsedTimer qtClock;
+            qtClock.start();
+            const osg::Timer_t osgStart = osg::Timer::instance()->tick();
+            clock.advance(std::chrono::seconds(1));
+            const double osgSeconds =
+                osg::Timer::instance()->delta_s(osgStart, osg::Timer::instance()->tick());
+            const bool isSeen =
+                qtClock.elapsed() == 1000 && osgSeconds > 0.999 && osgSeconds < 1.001;
+            return std::string(isSeen ? "seen" : "unseen");
         },
         [](std::size_t) {});
     EXPECT_EQ(seen[0], "seen");

@@ -130,7 +130,7 @@ protected:
             static_cast<osgQt::GraphicsWindowQt*>(context)->getGLWidget());
     }
 
-    PlayedWorld world;
+    PlayedWorld world{QDir()};
     PlayedGame& game;
     std::vector<QImage> levels;
     std::mt19937 random{7};

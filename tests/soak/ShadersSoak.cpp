@@ -2,6 +2,7 @@
 #include "game/Rollix.h"
 #include "level/Level.h"
 #include "soak/Soak.h"
+#include "support/DifferingPixels.h"
 #include "support/GameTest.h"
 #include "support/OutputCapture.h"
 

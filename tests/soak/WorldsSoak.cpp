@@ -1,3 +1,4 @@
+#include "ManualClock.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
@@ -5,7 +6,6 @@
 #include "soak/Soak.h"
 #include "support/GameInside.h"
 #include "support/GameTest.h"
-#include "support/ManualClock.h"
 #include "support/OutputCapture.h"
 
 #include <QColor>
@@ -84,7 +84,7 @@ protected:
         const double begin = processorSeconds();
         ticks();
         const double taken = processorSeconds() - begin;
-        clock.advance(tickMilliseconds);
+        clock.advance(std::chrono::milliseconds(tickMilliseconds));
         QCoreApplication::processEvents();
         return taken;
     }

@@ -1,6 +1,7 @@
 #include "support/GameTest.h"
 
 #include "FrameGrab.h"
+#include "ManualClock.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -10,7 +11,6 @@
 #include "level/Block.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/ManualClock.h"
 #include "support/SceneSearch.h"
 #include "support/SharedWorld.h"
 

@@ -1,6 +1,5 @@
 #include "PlayedGame.h"
 
-#include "PlayersClock.h"
 #include "SensedHand.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
@@ -52,7 +51,7 @@ void PlayedGame::loads(const QImage& picture, unsigned int seed, unsigned int nu
     const double now = GameLoop::frameStamp()->getSimulationTime();
     const double phase = double(seed % phases) * tickMilliseconds / 1000.0;
     const double start = (std::floor(now / commonPeriod) + 2.0) * commonPeriod + phase + offTheGrid;
-    PlayersClock::advance(std::chrono::nanoseconds(std::llround((start - now) * 1e9)));
+    clock.advance(std::chrono::nanoseconds(std::llround((start - now) * 1e9)));
     countFrame();
     std::srand(seed);
     game.loadLevel(number);
@@ -67,7 +66,7 @@ void PlayedGame::ticks(int count)
         const bool hadFailed = state() == GameState::LevelFailed;
         GameLoop::instance()->tick();
         countFrame();
-        PlayersClock::advance(std::chrono::milliseconds(tickMilliseconds));
+        clock.advance(std::chrono::milliseconds(tickMilliseconds));
         QCoreApplication::processEvents();
         const bool fails = state() == GameState::LevelFailed && !hadFailed;
         lost = fails ? before : std::max(0, before - lives());

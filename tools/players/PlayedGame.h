@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ManualClock.h"
 #include "PlayerView.h"
 
 #include <QImage>
@@ -11,8 +12,8 @@ class Rollix;
 
 /// The one game of the process, played tick by tick as fast as it can be worked out: after each
 /// tick the process's clock goes on by as much, so that all timers keep their places. Nothing is
-/// drawn in this process any more. The program must link PlayersClock, and have the game's data/
-/// below a working directory whose level pictures it may overwrite.
+/// drawn in this process any more. The program must have the game's data/ below a working directory
+/// whose level pictures it may overwrite.
 class PlayedGame
 {
 public:
@@ -50,6 +51,7 @@ private:
 
     Rollix& game;
     OsgViewerWidget& widget;
+    ManualClock clock;
     QImage loaded;
     unsigned int loadedNumber = 0;
     long long frames = 0;

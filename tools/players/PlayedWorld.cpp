@@ -1,6 +1,5 @@
 #include "PlayedWorld.h"
 
-#include "PlayersClock.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -9,7 +8,6 @@
 PlayedWorld::PlayedWorld(const QDir& home) : folder(home)
 {
     folder.enter();
-    PlayersClock::stop();
     // As in the game itself, neither widget nor game is ever deleted.
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);

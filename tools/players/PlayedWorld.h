@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GameFolder.h"
+#include "ManualClock.h"
 #include "PlayedGame.h"
 
 #include <memory>
@@ -17,5 +18,6 @@ public:
 
 private:
     GameFolder folder;
+    ManualClock clock;
     std::unique_ptr<PlayedGame> played;
 };

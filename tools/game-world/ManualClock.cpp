@@ -1,4 +1,4 @@
-#include "support/ManualClock.h"
+#include "ManualClock.h"
 
 #include <QCoreApplication>
 
@@ -12,8 +12,7 @@
 namespace {
 
 constexpr long long nanosecondsPerSecond = 1000000000;
-constexpr long long nanosecondsPerMillisecond = 1000000;
-constexpr int longestStep = 10;  // milliseconds
+constexpr std::chrono::milliseconds longestStep{10};
 
 // Those that tell how late it is; the others tell what has been used up.
 constexpr clockid_t clocks[] = {CLOCK_REALTIME,        CLOCK_MONOTONIC,        CLOCK_MONOTONIC_RAW,
@@ -92,18 +91,19 @@ ManualClock::~ManualClock()
     stopped = false;
 }
 
-void ManualClock::advance(int milliseconds)
+void ManualClock::advance(std::chrono::nanoseconds time)
 {
     for (const clockid_t clock : clocks)
-        stoppedAt[clock] += milliseconds * nanosecondsPerMillisecond;
+        stoppedAt[clock] += time.count();
 }
 
 void ManualClock::passes(int milliseconds)
 {
-    while (milliseconds > 0) {
-        const int step = std::min(milliseconds, longestStep);
+    std::chrono::milliseconds left(milliseconds);
+    while (left.count() > 0) {
+        const std::chrono::milliseconds step = std::min(left, longestStep);
         advance(step);
         QCoreApplication::processEvents();
-        milliseconds -= step;
+        left -= step;
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 /// The time that this process sees: Qt's timers, frame stamps, everything. While one of these
 /// lives, it stands still and goes on only as it is told, so that a minute of game with all its
 /// timers takes as long as its ticks, and every run is the same run. Afterwards it goes on from
@@ -14,7 +16,7 @@ public:
     ManualClock(const ManualClock&) = delete;
     ManualClock& operator=(const ManualClock&) = delete;
 
-    void advance(int milliseconds);
+    void advance(std::chrono::nanoseconds time);
 
     /// Advances in small steps, and serves the timers that come due.
     void passes(int milliseconds);
