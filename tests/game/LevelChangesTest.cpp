@@ -5,24 +5,11 @@
 #include "support/Census.h"
 #include "support/GameTest.h"
 #include "support/OutputCapture.h"
+#include "support/ResidentMemory.h"
 
-#include <fstream>
-#include <malloc.h>
 #include <string>
-#include <unistd.h>
 
 namespace {
-
-double residentMegabytes()
-{
-    // What is free in the heap's own lists is no leak.
-    malloc_trim(0);
-    std::ifstream statm("/proc/self/statm");
-    double size = 0.0;
-    double resident = 0.0;
-    statm >> size >> resident;
-    return resident * double(sysconf(_SC_PAGESIZE)) / 1024.0 / 1024.0;
-}
 
 class LevelChangesTest : public GameTest
 {

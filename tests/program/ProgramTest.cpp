@@ -1,15 +1,14 @@
 #include "GameFolder.h"
 #include "program/ProgramWindow.h"
+#include "program/WaitForProgram.h"
 #include "support/LevelPicture.h"
 #ifdef LEAP_IS_OWN
 #include "support/SensorService.h"
 #endif
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,8 +18,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int limit = 30000;  // milliseconds, for anything to happen
 
 using Lines = std::vector<std::string>;
 
@@ -65,15 +62,7 @@ protected:
 
     bool waitsFor(const std::function<bool()>& condition)
     {
-        QElapsedTimer clock;
-        clock.start();
-        while (!condition()) {
-            if (clock.elapsed() > limit)
-                return false;
-            QThread::msleep(20);
-            program.waitForReadyRead(1);
-        }
-        return true;
+        return waitForProgram(program, condition);
     }
 
     /// All that it has said so far.

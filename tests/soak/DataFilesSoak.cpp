@@ -1,11 +1,10 @@
 #include "program/ProgramWindow.h"
+#include "program/WaitForProgram.h"
 #include "soak/Soak.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +14,6 @@
 namespace {
 
 constexpr int shortForm = 12;   // files spoiled, of all that there are
-constexpr int limit = 60000;    // ms, for anything to happen
 constexpr int mostLines = 400;  // of complaints: each once, whatever is missing
 
 enum class Spoiling { Missing, Empty, Half, Another };
@@ -62,19 +60,6 @@ protected:
         }
     }
 
-    static bool waitsFor(QProcess& program, const std::function<bool()>& condition)
-    {
-        QElapsedTimer clock;
-        clock.start();
-        while (!condition()) {
-            if (clock.elapsed() > limit || program.state() == QProcess::NotRunning)
-                return condition();
-            QThread::msleep(10);
-            program.waitForReadyRead(1);
-        }
-        return true;
-    }
-
     /// Starts the game there, loads two levels, closes it.
     static void plays(const QString& folder)
     {
@@ -88,14 +73,14 @@ protected:
         ProgramWindow window;
         QByteArray output;
         const auto says = [&](const QByteArray& line) {
-            return waitsFor(
+            return waitForProgram(
                 program,
                 [&] {
                     output += program.readAll();
                     return output.contains(line);
                 });
         };
-        ASSERT_TRUE(waitsFor(program, [&] { return window.find(program.processId()); }));
+        ASSERT_TRUE(waitForProgram(program, [&] { return window.find(program.processId()); }));
         window.presses("Right");
         window.types("plus");
         EXPECT_TRUE(says("reading level data/Rollix/level1.png"));
@@ -103,7 +88,7 @@ protected:
         window.types("plus");
         EXPECT_TRUE(says("reading level data/Rollix/level2.png"));
         window.close();
-        EXPECT_TRUE(waitsFor(program, [&] {
+        EXPECT_TRUE(waitForProgram(program, [&] {
             program.waitForFinished(1);
             return program.state() == QProcess::NotRunning;
         }));

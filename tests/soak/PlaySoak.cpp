@@ -6,6 +6,7 @@
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "soak/Soak.h"
 #include "support/OutputCapture.h"
+#include "support/ResidentMemory.h"
 
 #include <QCoreApplication>
 #include <QDir>

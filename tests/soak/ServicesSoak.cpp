@@ -5,6 +5,7 @@
 #include "platform/leap/RawPeer.h"
 #include "platform/leap/ServiceAddress.h"
 #include "soak/Soak.h"
+#include "support/ResidentMemory.h"
 
 #include <QCoreApplication>
 

@@ -12,13 +12,15 @@
 #include <QFile>
 #include <QThread>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
 
 constexpr int shortForm = 12;       // shaders broken and mended
 constexpr int reloadLimit = 20000;  // ms until a saved file must have been heard of
-constexpr int alikePixels = 4800;   // of 480 000 of a frame: sparks and ghosts move on
+constexpr int pixelsOfFrame = 800 * 600;
+constexpr int soundPictures = 20;   // that tell how much a frame changes by itself
 
 /// A way to spoil a text, one after the other.
 QByteArray spoiled(const QByteArray& text, int way)
@@ -69,6 +71,19 @@ protected:
         waits(50);
         return told;
     }
+
+    /// By how many pixels two pictures of the sound game differ at the most: sparks and ghosts
+    /// move on.
+    int liveliness()
+    {
+        int most = 0;
+        const QImage first = frame();
+        for (int i = 0; i < soundPictures; ++i) {
+            ticks(10);
+            most = std::max(most, differingPixels(first, frame()));
+        }
+        return most;
+    }
 };
 
 TEST_F(ShadersSoak, MayBreakAndBeMendedInPlay)
@@ -91,6 +106,8 @@ TEST_F(ShadersSoak, MayBreakAndBeMendedInPlay)
         loads(picture);
         draws(true);
         ticks(100);
+        const int alikePixels = 2 * liveliness();
+        ASSERT_LT(alikePixels, pixelsOfFrame / 4);
         Progress progress("shaders", count);
         for (int i = 0; i < count; ++i) {
             const QString& name = files[i % files.size()];

@@ -3,9 +3,7 @@
 #include <QtGlobal>
 
 #include <ctime>
-#include <fstream>
 #include <iostream>
-#include <malloc.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -61,14 +59,4 @@ double trueSeconds()
 double processorSeconds()
 {
     return seconds(CLOCK_PROCESS_CPUTIME_ID);
-}
-
-double residentMegabytes()
-{
-    malloc_trim(0);
-    std::ifstream statm("/proc/self/statm");
-    double size = 0.0;
-    double resident = 0.0;
-    statm >> size >> resident;
-    return resident * double(sysconf(_SC_PAGESIZE)) / 1024.0 / 1024.0;
 }

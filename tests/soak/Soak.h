@@ -33,6 +33,3 @@ double trueSeconds();
 
 /// Processor time of all threads: what others do on the machine does not count.
 double processorSeconds();
-
-/// What is in memory, without what lies free in the heap's own lists.
-double residentMegabytes();

@@ -7,6 +7,7 @@
 #include "support/GameInside.h"
 #include "support/GameTest.h"
 #include "support/OutputCapture.h"
+#include "support/ResidentMemory.h"
 
 #include <QColor>
 #include <QCoreApplication>

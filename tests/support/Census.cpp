@@ -38,7 +38,7 @@ std::size_t countWatchedFiles()
 /// Textures, buffers, lists, programs and shaders that OpenGL holds.
 std::size_t countGlObjects(OsgViewerWidget& widget)
 {
-    constexpr GLuint manyNames = 20000;
+    constexpr GLuint manyNames = 400000;
     static_cast<osgQt::GLWidget&>(widget).makeCurrent();
     QOpenGLFunctions gl(QOpenGLContext::currentContext());
     std::size_t count = 0;

@@ -2,20 +2,17 @@
 
 #include "GameFolder.h"
 #include "program/ProgramWindow.h"
+#include "program/WaitForProgram.h"
 #include "support/LevelPicture.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include <functional>
 
 namespace {
-
-constexpr int limit = 30000;  // milliseconds, for anything to happen
 
 class TryLevel : public testing::Test
 {
@@ -54,15 +51,7 @@ protected:
 
     bool waitsFor(const std::function<bool()>& condition)
     {
-        QElapsedTimer clock;
-        clock.start();
-        while (!condition()) {
-            if (clock.elapsed() > limit)
-                return false;
-            QThread::msleep(20);
-            program.waitForReadyRead(1);
-        }
-        return true;
+        return waitForProgram(program, condition);
     }
 
     std::string text()

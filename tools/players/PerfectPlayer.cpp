@@ -12,11 +12,6 @@ constexpr double tiltObedience = 4.0;  // wanted turn per unit of missing tilt, 
 constexpr double largestTurn = 0.35;   // rad/s
 constexpr double deadZone = 0.06;      // rad/s: a key gives 0.1 a tick
 
-double within(double value, double limit)
-{
-    return std::clamp(value, -limit, limit);
-}
-
 }  // namespace
 
 PerfectPlayer::PerfectPlayer(PlayedGame& playedGame, const LevelMap& map)
@@ -37,9 +32,9 @@ void PerfectPlayer::move(const Intent& intent)
     const osg::Vec2d wanted = wantedVelocity(intent);
     const double mostTilt = intent.climbs ? steering::climbingTilt : gentleTilt;
     const auto turnError = [&](double wantedSpeed, double speed, double tilt, double rate) {
-        const double wantedTilt =
-            within((wantedSpeed - speed) * obedience / steering::rollingGravity, mostTilt);
-        return within((wantedTilt - tilt) * tiltObedience, largestTurn) - rate;
+        const double wantedTilt = steering::within(
+            (wantedSpeed - speed) * obedience / steering::rollingGravity, mostTilt);
+        return steering::within((wantedTilt - tilt) * tiltObedience, largestTurn) - rate;
     };
     drive(turnError(wanted.x(), seen.velocity.x(), up.x(), turn.x()), Qt::Key_Right, Qt::Key_Left);
     drive(turnError(wanted.y(), seen.velocity.y(), up.y(), turn.y()), Qt::Key_Up, Qt::Key_Down);

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int fastestEyes = 8;  // ticks: 0.16 s
-constexpr int slowestEyes = 13;
 constexpr double lag = 0.12;           // seconds
 constexpr double mostLead = 0.1;       // radians
 constexpr double reach = 0.61;         // radians: 35 degrees
@@ -19,13 +17,6 @@ constexpr double slowestTremor = 1.0;  // Hz
 constexpr double fastestTremor = 8.0;
 constexpr int wavesPerAxis = 5;
 constexpr double secondsPerTick = 1.0 / steering::ticksPerSecond;
-
-int eyesOf(unsigned int seed, int reaction)
-{
-    if (reaction > 0)
-        return std::max(reaction, fastestEyes);
-    return fastestEyes + int(seed % unsigned(slowestEyes - fastestEyes + 1));
-}
 
 Temper temperOf(unsigned int seed)
 {
@@ -39,16 +30,11 @@ Temper temperOf(unsigned int seed)
     return temper;
 }
 
-double within(double value, double limit)
-{
-    return std::clamp(value, -limit, limit);
-}
-
 }  // namespace
 
 SteeringHand::SteeringHand(PlayedGame& playedGame, const LevelMap& map, unsigned int seed,
                            int reaction)
-    : Player(playedGame, map, temperOf(seed), eyesOf(seed, reaction)),
+    : Player(playedGame, map, temperOf(seed), steering::eyesOf(seed, reaction)),
       dice(seed + 1),
       eagerness(std::uniform_real_distribution<>(0.9, 1.1)(dice)),
       gentleTilt(std::uniform_real_distribution<>(0.18, 0.24)(dice))
@@ -79,20 +65,22 @@ void SteeringHand::move(const Intent& intent)
     const auto tiltFor = [&](double speed, double seenSpeed, double tilt, double asked) {
         const double expected =
             seenSpeed + steering::rollingGravity * 0.5 * (tilt + asked) * seconds;
-        return within((speed - expected) * eagerness / steering::rollingGravity, mostTilt);
+        return steering::within((speed - expected) * eagerness / steering::rollingGravity,
+                                mostTilt);
     };
     const osg::Vec2d tilt(tiltFor(wanted.x(), seen.velocity.x(), up.x(), hand.x()),
                           tiltFor(wanted.y(), seen.velocity.y(), up.y(), hand.y()));
     // A hand that is nearly there commands nothing, and people soon lead the board a little.
-    show(tilt +
-         osg::Vec2d(within(tilt.x() - up.x(), mostLead), within(tilt.y() - up.y(), mostLead)));
+    show(tilt + osg::Vec2d(steering::within(tilt.x() - up.x(), mostLead),
+                           steering::within(tilt.y() - up.y(), mostLead)));
 }
 
 void SteeringHand::show(const osg::Vec2d& wantedTilt)
 {
     hand += (wantedTilt - hand) * (1.0 - std::exp(-secondsPerTick / lag));
     const osg::Vec2d held = hand + tremor();
-    osg::Vec3d up(std::sin(within(held.x(), reach)), std::sin(within(held.y(), reach)), 0.0);
+    osg::Vec3d up(std::sin(steering::within(held.x(), reach)),
+                  std::sin(steering::within(held.y(), reach)), 0.0);
     up.z() = std::sqrt(std::max(0.0, 1.0 - up.length2()));
     game.seesHand(up);
 }

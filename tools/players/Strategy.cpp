@@ -20,11 +20,6 @@ constexpr int freshRest = 36;   // ticks: an elevator that has rested longer may
 constexpr int restTicks = 550;  // of what rests, with a second to spare
 constexpr int ticksPerSecond = steering::ticksPerSecond;
 
-double within(double value, double limit)
-{
-    return std::clamp(value, -limit, limit);
-}
-
 std::vector<CellPosition> checkpoints(const LevelMap& map, CheckpointType type)
 {
     return map.cellsWhere([type](const LevelPixel& pixel) {
@@ -228,8 +223,9 @@ Intent Strategy::follow(const Way& way, const osg::Vec3d& ball, bool stops) cons
     }
     if (hastens)
         speed = temper.speed;
-    intent.velocity.set(within((double(map.x(way[corner])) - ball.x()) * approach, speed),
-                        within((double(map.y(way[corner])) - ball.y()) * approach, speed));
+    intent.velocity.set(
+        steering::within((double(map.x(way[corner])) - ball.x()) * approach, speed),
+        steering::within((double(map.y(way[corner])) - ball.y()) * approach, speed));
     intent.rolls = intent.climbs || hurries;
     if (intent.rolls) {
         // No braking: a ball that stops on the way up a ramp rolls back, one that dawdles on a

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr int fastestEyes = 8;  // ticks: 0.16 s
-constexpr int slowestEyes = 13;
 constexpr int shortestTap = 2;  // ticks: 40 ms
 constexpr int longestTap = 4;
 constexpr int restTicks = 8;          // between two taps of a finger
@@ -18,13 +16,6 @@ constexpr double worthATap = 0.7;     // of what the shortest tap does, at first
 constexpr double leastWorth = 0.25;   // the same when nothing has happened for a while
 constexpr double impatience = 0.01;   // by which that falls a tick
 constexpr double slip = 0.15;  // share of taps that come out a tick longer, and as many shorter
-
-int eyesOf(unsigned int seed, int reaction)
-{
-    if (reaction > 0)
-        return std::max(reaction, fastestEyes);
-    return fastestEyes + int(seed % unsigned(slowestEyes - fastestEyes + 1));
-}
 
 Temper temperOf(unsigned int seed)
 {
@@ -38,15 +29,10 @@ Temper temperOf(unsigned int seed)
     return temper;
 }
 
-double within(double value, double limit)
-{
-    return std::clamp(value, -limit, limit);
-}
-
 }  // namespace
 
 TapPlayer::TapPlayer(PlayedGame& playedGame, const LevelMap& map, unsigned int seed, int reaction)
-    : Player(playedGame, map, temperOf(seed), eyesOf(seed, reaction)),
+    : Player(playedGame, map, temperOf(seed), steering::eyesOf(seed, reaction)),
       dice(seed + 1),
       eagerness(std::uniform_real_distribution<>(0.8, 1.0)(dice)),
       gentleTilt(std::uniform_real_distribution<>(0.2, 0.3)(dice))
@@ -67,7 +53,8 @@ void TapPlayer::move(const Intent& intent)
             return tilt;
         const double between = 0.5 * (tilt + tiltToCome(finger, tilt, rate));
         const double expected = seenSpeed + steering::rollingGravity * between * seconds;
-        return within((speed - expected) * eagerness / steering::rollingGravity, mostTilt);
+        return steering::within((speed - expected) * eagerness / steering::rollingGravity,
+                                mostTilt);
     };
     move(across, wantedTilt(across, wanted.x(), seen.velocity.x(), up.x(), turn.x()), up.x(),
          turn.x());
