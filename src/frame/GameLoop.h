@@ -99,5 +99,5 @@ private:
     std::unordered_set<Task*> frameTasks;
     std::deque<std::function<void()>> commandQueue;
     QMutex commandMutex;
-    bool paused = false;
+    std::atomic<bool> paused{false};
 };

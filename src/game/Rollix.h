@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -70,7 +71,7 @@ public:
 
     /// Written under the world lock. The sensor's thread looks at it without, to see what a frame
     /// is for, and again once it has the lock.
-    GameState state = GameState::Initial;
+    std::atomic<GameState> state{GameState::Initial};
 
     osg::ref_ptr<HandCamera> handCamera;
 
@@ -112,7 +113,6 @@ private:
     void serveKey(QKeyEvent* event);
     void takeOldMessageAway();
 
-    GameState stateAtAGlance() const;
     void changeState(GameState from, GameState to);
     osg::MatrixTransform* guide();
     void hideGuide();

@@ -33,7 +33,9 @@ void Rollix::onFrame(const Leap::Controller& controller)
     const Leap::Frame frame = controller.frame(0);
     if (frame.hands().isEmpty())
         hideGuide();
-    const GameState seen = stateAtAGlance();
+    // Without the world lock: a frame that waited out a tick to learn that it has nothing to do there
+    // would only be late for the next.
+    const GameState seen = state;
     switch (seen) {
     case GameState::Initial:
     case GameState::WaitingForRest:
@@ -62,13 +64,6 @@ void Rollix::onFrame(const Leap::Controller& controller)
         driveEndMenu(controller);
         break;
     }
-}
-
-/// Without the world lock: a frame that waited out a tick to learn that it has nothing to do there
-/// would only be late for the next.
-GameState Rollix::stateAtAGlance() const
-{
-    return state;
 }
 
 /// Unless a tick or a key has changed it since it was looked at: they know of ends that the frame

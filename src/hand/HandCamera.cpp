@@ -49,7 +49,8 @@ void HandCamera::setDistance(float distance)
 
 void HandCamera::updateView()
 {
-    const osg::Vec3f eye(std::sin(angle_) * distance_, std::cos(angle_) * distance_, height_);
+    const float azimuth = angle_;
+    const osg::Vec3f eye(std::sin(azimuth) * distance_, std::cos(azimuth) * distance_, height_);
     setHomePosition(eye, center_, osg::Vec3d(0.0, 0.0, 1.0), false);
     home(0.0);
 }
@@ -64,14 +65,14 @@ bool HandCamera::handleFrame(Leap::Frame frame)
 
     const float turn = (yawOf(first) + yawOf(second)) * turnPerYaw;
     if (std::fabs(turn) > leastTurn) {
-        angle_ += turn;
+        angle_ = angle_ + turn;
         updateView();
     }
 
     const float heightSum = first.palmPosition().y + second.palmPosition().y;
     const float rise = (heightSum - neutralHeightSum) * risePerHeight;
     if (std::fabs(rise) > leastRise) {
-        height_ += rise;
+        height_ = height_ + rise;
         updateView();
     }
     return true;

@@ -3,6 +3,8 @@
 #include <osg/Vec3f>
 #include <osgGA/TrackballManipulator>
 
+#include <atomic>
+
 namespace Leap {
 class Frame;
 }
@@ -11,8 +13,8 @@ class Frame;
 /// axis and looks at one point. Two hands over the sensor turn and lift it; the mouse handling of
 /// the base stays live until the next move brings the eye back.
 ///
-/// The sensor's thread writes the four numbers while the main thread reads them; they are plain on
-/// purpose, as the next frame of either makes up for a torn one.
+/// The sensor's thread turns and lifts it while the main thread draws what it sees: a view that is
+/// half the last one and half this one is made up for by the next frame.
 class HandCamera : public osgGA::TrackballManipulator
 {
 public:
@@ -41,8 +43,8 @@ protected:
     ~HandCamera() override = default;
 
 private:
-    float height_ = 0.0f;
-    float angle_ = 0.0f;
+    std::atomic<float> height_{0.0f};
+    std::atomic<float> angle_{0.0f};
     osg::Vec3f center_;
     float distance_ = 10.0f;
 };

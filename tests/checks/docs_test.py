@@ -76,7 +76,7 @@ class Suppressions(unittest.TestCase):
             ours += 1
             with self.subTest(suppression=f"{owner}::{name}"):
                 self.assertRegex(text_of(sources), rf"\b{name}\b")
-        self.assertGreater(ours, 5)
+        self.assertGreater(ours, 0)
 
     def test_leave_out_the_key_flags_which_one_thread_has_to_itself(self):
         suppressions = (ROOT / "tests/tsan.supp").read_text(encoding="utf-8")
