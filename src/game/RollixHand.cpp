@@ -33,8 +33,8 @@ void Rollix::onFrame(const Leap::Controller& controller)
     const Leap::Frame frame = controller.frame(0);
     if (frame.hands().isEmpty())
         hideGuide();
-    // Without the world lock: a frame that waited out a tick to learn that it has nothing to do there
-    // would only be late for the next.
+    // Without the world lock: a frame that waited out a tick to learn that it has nothing to do
+    // there would only be late for the next.
     const GameState seen = state;
     switch (seen) {
     case GameState::Initial:

@@ -170,11 +170,10 @@ TEST_F(RollixKeysTest, BringTheBoardToThirtyDegreesInHalfASecondAndNoFurther)
         ticks();
         ASSERT_LE(boardTurn().length(), 1.0 + 1e-3) << "at most a radian a second";
         // The cone acts from its edge on: one step's turn may lie beyond it.
-        ASSERT_LE(tiltDegrees(), 32.0);
-        if (tick == halfASecond / 2)
-            EXPECT_LT(tiltDegrees(), 15.0);
-        if (tick >= halfASecond)
-            ASSERT_NEAR(tiltDegrees(), 30.0, 0.3) << tick;
+        const double tilt = tiltDegrees();
+        ASSERT_LE(tilt, 32.0);
+        ASSERT_TRUE(tick != halfASecond / 2 || tilt < 15.0) << tilt;
+        ASSERT_TRUE(tick < halfASecond || std::abs(tilt - 30.0) < 0.3) << tilt << " in " << tick;
     }
 }
 
@@ -187,7 +186,7 @@ TEST_F(RollixKeysTest, WorkInEveryState)
         EXPECT_GT(turnOfATick().length(), 0.09);
         releases(Qt::Key_Left);
         EXPECT_LT(turnOfATick().length(), 0.01);
-        EXPECT_EQ(int(game.state), state);
+        EXPECT_EQ(int(game.state.load()), state);
     }
 }
 

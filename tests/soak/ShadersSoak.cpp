@@ -20,7 +20,7 @@ namespace {
 constexpr int shortForm = 12;       // shaders broken and mended
 constexpr int reloadLimit = 20000;  // ms until a saved file must have been heard of
 constexpr int pixelsOfFrame = 800 * 600;
-constexpr int soundPictures = 20;   // that tell how much a frame changes by itself
+constexpr int soundPictures = 20;  // that tell how much a frame changes by itself
 
 /// A way to spoil a text, one after the other.
 QByteArray spoiled(const QByteArray& text, int way)
