@@ -45,8 +45,8 @@ TEST(OtherWays, MayLeadOneWayOnly)
 TEST(OtherWays, DoNotCountWhereTheyAreShut)
 {
     LevelPicture bridge({"......", ".    .", ".    .", "......"});
-    bridge.set(0, 2, {225, 70, 73, 254});
+    bridge.set(0, 1, {225, 70, 73, 254});
     EXPECT_EQ(twofold(bridge), 0) << "a ghost without a button";
-    bridge.set(1, 0, {270, 100, 73, 254});
+    bridge.set(3, 0, {270, 100, 73, 254}).set(3, 3, {270, 100, 73, 254});
     EXPECT_EQ(twofold(bridge), 2);
 }
