@@ -27,6 +27,9 @@ const osg::Vec3f copyPlaces[] = {osg::Vec3f(1.0f, 0.0f, 0.5f), osg::Vec3f(0.7f, 
                                  osg::Vec3f(1.4f, -0.6f, -0.2f)};
 constexpr int mostCopies = 3;
 const osg::Vec3f signPlace(-1.0f, 0.0f, 0.0f);
+constexpr float shownScale = 2.0f;  // the item's shader shows them so much larger,
+constexpr float shownLift = 0.9f;   // and raised, in the display's frame
+constexpr float itemRadius = 0.45f;
 constexpr float signLength = 1.0f;
 constexpr float signDepth = 0.2f;
 constexpr float signWidth = 0.3f;
@@ -117,8 +120,26 @@ void BlockItem::createDisplay(int count)
     itemProgram = addProgram(display, "item", game());
     display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
                                                osg::StateAttribute::ON);
+    rememberDisplay(count);
     display->setCullCallback(new BlockItemCallback(this));
     transform->addChild(display);
+}
+
+void BlockItem::rememberDisplay(int count)
+{
+    const osg::Vec3f middle(x, y, height * 0.5f + surfaceHeight() + float(floatHeight));
+    const float scale = float(displayScale);
+    const int copies = std::clamp(std::abs(count), 1, mostCopies);
+    for (int i = 0; i < copies; ++i) {
+        const osg::Vec3f place = count == 0 ? osg::Vec3f() : copyPlaces[i];
+        shown.push_back({middle + (place * shownScale + osg::Vec3f(0.0f, 0.0f, shownLift)) * scale,
+                         itemRadius * shownScale * scale});
+    }
+}
+
+std::vector<Hovering> BlockItem::hovering() const
+{
+    return collected ? std::vector<Hovering>() : shown;
 }
 
 void BlockItem::onBallContact(Ball*)

@@ -35,6 +35,7 @@ const osg::Vec4f black(0.0f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
 
+/// Draws what it is on only while the trap is not active.
 class BlockTrap::BlockTrapdoorCallback : public HidingCallback<BlockTrap, &BlockTrap::active>
 {
 public:
@@ -139,6 +140,16 @@ void BlockTrap::reset()
     }
 }
 
+bool BlockTrap::isRestless() const
+{
+    return kind == TrapKind::Trapdoor;
+}
+
+float BlockTrap::presence() const
+{
+    return kind == TrapKind::Trapdoor && active ? 0.0f : 1.0f;
+}
+
 osg::Vec3d BlockTrap::wayToBall() const
 {
     return level->ball->getTransform()->getMatrix().getTrans() - transform->getMatrix().getTrans();
@@ -156,6 +167,17 @@ void BlockTrap::createMine()
     shapeDrawable = new osg::ShapeDrawable(sphere);
     shapeDrawable->setColor(red);
     shapeProgram = addProgram(addDecoration(shapeDrawable), "mine", game());
+    createWarning();
+}
+
+void BlockTrap::createWarning()
+{
+    // A mine that has exploded is no danger until it is armed again.
+    osg::ref_ptr<osg::Group> whileArmed = new osg::Group;
+    whileArmed->setCullCallback(new BlockTrapdoorCallback(this));
+    transform->addChild(whileArmed);
+    inlayProgram = addInlay(whileArmed, InlayKind::Mine, corners().moved(1.0f, -height * 0.5f),
+                            osg::Vec3f(1.0f, 0.0f, 0.0f), game());
 }
 
 void BlockTrap::setMineRadius(float radius)
@@ -196,7 +218,7 @@ void BlockTrap::createSpring()
     level->board->addContactShape(this, id);
     cylinder = new osg::Cylinder(osg::Vec3f(0.0f, 0.0f, surfaceHeight()), plungerRadius, plungerIn);
     shapeDrawable = new osg::ShapeDrawable(cylinder);
-    addDecoration(shapeDrawable);
+    addWoodenDecoration(shapeDrawable);
 }
 
 void BlockTrap::setPlungerHeight(float plungerHeight)

@@ -39,6 +39,10 @@ public:
     /// Armed and at rest, whatever was under way.
     void reset() override;
 
+    /// A trapdoor is there or it is not.
+    bool isRestless() const override;
+    float presence() const override;
+
 protected:
     ~BlockTrap() override;
 
@@ -47,6 +51,7 @@ private:
     class BlockTrapdoorCallback;
 
     void createMine();
+    void createWarning();
     void armMine();
     void explode();
     void fadeMine();
@@ -82,5 +87,6 @@ private:
     osg::ref_ptr<osg::ShapeDrawable> shapeDrawable;  // of whichever there is
     osg::ref_ptr<ShaderProgram> particleProgram;
     osg::ref_ptr<ShaderProgram> shapeProgram;
+    osg::ref_ptr<ShaderProgram> inlayProgram;
     osg::ref_ptr<BlockTrapdoorCallback> trapdoorCallback;
 };

@@ -84,14 +84,6 @@ PortalOption PortalOption::ofSaturation(int saturation)
     return {PortalFace::Right, 0.0f};
 }
 
-CornerHeights CornerHeights::of(float lowHeight, float highHeight, int slope)
-{
-    const auto height = [=](int slopeA, int slopeB) {
-        return slope == slopeA || slope == slopeB ? highHeight : lowHeight;
-    };
-    return {height(0, 3), height(0, 1), height(2, 3), height(1, 2)};
-}
-
 PortalShape::PortalShape(PortalFace face, const CornerHeights& corners, float height)
     : innerHull(new osg::Vec3Array), outerHull(new osg::Vec3Array)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "level/CornerHeights.h"
+
 #include <osg/Array>
 #include <osg/Vec3f>
 #include <osg/ref_ptr>
@@ -17,17 +19,6 @@ struct PortalOption
     float strength;  // of the pull; 0 for a portal that the ball has to roll into by itself
 
     static PortalOption ofSaturation(int saturation);
-};
-
-/// Heights of a block's upper face over the board, at its corners.
-struct CornerHeights
-{
-    float leftFront;   // at -x, -y
-    float rightFront;  // at +x, -y
-    float leftBack;    // at -x, +y
-    float rightBack;   // at +x, +y
-
-    static CornerHeights of(float lowHeight, float highHeight, int slope);
 };
 
 /// The two bodies that feel a ball at a portal, and where the mouth is; all in the block's frame,

@@ -15,9 +15,12 @@
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/StageRecipes.h"
+#include "shaders/UnreadableFile.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
+#include <osgDB/ReadFile>
+#include <osgDB/Registry>
 
 #include <functional>
 #include <utility>
@@ -34,13 +37,14 @@ constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
 const osg::Vec3f gravity(0.0f, 0.0f, -9.81f);
-const osg::Vec3f lightPosition(8.0f, -8.0f, 16.0f);
 const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
 
 const osg::Vec4f goodNews(0.0f, 0.9f, 0.0f, 1.0f);
 const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
+
+const osg::Vec3f Rollix::lightPosition(8.0f, -8.0f, 16.0f);
 
 Rollix::Rollix(OsgViewerWidget* widget)
 {
@@ -195,6 +199,21 @@ void Rollix::setSharedStages(ShaderProgram& program, const std::string& programN
     if (!recipe.geometryStage.empty())
         program.setGeometryShader(sharedShader(recipe.geometryStage));
     program.setFragmentShader(sharedShader(recipe.fragmentStage));
+}
+
+osg::Texture2D* Rollix::sharedTexture(const std::string& file)
+{
+    osg::ref_ptr<osg::Texture2D>& texture = textures[file];
+    if (texture)
+        return texture;
+    osg::ref_ptr<osg::Image> picture =
+        osgDB::readRefImageFile(file, osgDB::Registry::instance()->getOptions());
+    if (!picture)
+        reportUnreadable("picture", file, "What it covers is plain now.");
+    texture = new osg::Texture2D(picture);
+    texture->setWrap(osg::Texture::WRAP_S, osg::Texture::MIRROR);
+    texture->setWrap(osg::Texture::WRAP_T, osg::Texture::MIRROR);
+    return texture;
 }
 
 void Rollix::update()

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "level/CornerHeights.h"
 #include "level/GameObject.h"
+#include "level/Hovering.h"
 #include "level/LevelPixel.h"
 
+#include <osg/Geode>
 #include <osg/MatrixTransform>
 #include <osg/ref_ptr>
 
@@ -11,7 +14,6 @@
 
 namespace osg {
 class Drawable;
-class Geode;
 }  // namespace osg
 
 class Ball;
@@ -42,6 +44,23 @@ public:
 
     bool isFlat() const { return slope == flatSlope; }
 
+    /// The upper face over the board as the level begins.
+    CornerHeights corners() const;
+
+    /// Whether the block may rise, sink or vanish, which lift() and presence() then tell: how far
+    /// it stands above its place, in units, and how much of it is there, 1 for all and 0 for
+    /// nothing.
+    virtual bool isRestless() const;
+    virtual float lift() const;
+    virtual float presence() const;
+
+    /// What floats over the block now, in board coordinates.
+    virtual std::vector<Hovering> hovering() const;
+
+    /// Tells a dynamic block's wood which edges of its upper face end in the open: 1 for yes,
+    /// towards +x, +y, -x and -y.
+    void setOpenEdges(const osg::Vec4f& edges);
+
     /// Centre of the cell on the board, and the top of the cell over it: the high edge of a ramp.
     const float x;
     const float y;
@@ -67,6 +86,9 @@ protected:
     /// A new child of the block's transform that holds `drawable`.
     osg::ref_ptr<osg::Geode> addDecoration(osg::Drawable* drawable);
 
+    /// The same for what is made of the board's wood: it is told where on the board it is.
+    osg::ref_ptr<osg::Geode> addWoodenDecoration(osg::Drawable* drawable);
+
     float lowHeight = 0.0f;
     float highHeight = 0.0f;
     int slope = 0;
@@ -74,6 +96,8 @@ protected:
     osg::ref_ptr<osg::MatrixTransform> transform;
 
 private:
+    osg::ref_ptr<osg::Geode> body;  // of a dynamic block
+
     void createShape(int value, bool dynamic, std::string shaderGroup);
     void createRamp(float low, float high, int direction, bool dynamic, std::string shaderGroup);
     void createCuboid(float top, bool dynamic, std::string shaderGroup);

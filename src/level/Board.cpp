@@ -10,11 +10,14 @@
 #include "level/BlockButton.h"
 #include "level/BlockCheckpoint.h"
 #include "level/BlockStandard.h"
+#include "level/BoardLook.h"
 #include "level/BoardMesh.h"
 #include "level/FilterGroups.h"
+#include "level/Ground.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
 #include "level/Random.h"
+#include "level/Relief.h"
 
 #include <QImage>
 #include <osg/PolygonOffset>
@@ -106,7 +109,7 @@ void Board::load(const QImage& image)
     createBody();
     createShader();
     createBlocks(image);
-    mergeStaticBlocks(image.width(), image.height());
+    finishLook(reliefOf(image.width(), image.height()));
     level->addChild(root);
     finishBody();
     hang();
@@ -170,25 +173,28 @@ Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const o
     return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
 }
 
-void Board::mergeStaticBlocks(int columns, int rows)
+Relief Board::reliefOf(int columns, int rows) const
 {
-    // What the static flat blocks fill from edge to edge, by cell.
-    std::vector<float> filled(std::size_t(columns) * std::size_t(rows), 0.0f);
-    const auto cellIndex = [&](float x, float y) -> std::ptrdiff_t {
-        const int column = int(std::floor(x + float(columns) * 0.5f));
-        const int row = int(std::floor(float(rows) * 0.5f - y));
-        const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
-        return inside ? std::ptrdiff_t(row) * columns + column : -1;
-    };
+    Relief relief(columns, rows);
     for (const osg::ref_ptr<Block>& block : blocks) {
-        if (block->getTransform() == transform && block->isFlat())
-            filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
+        if (!block->getTransform())
+            continue;
+        Relief::Cell cell;
+        cell.top = block->corners();
+        cell.filled = true;
+        cell.merged = block->getTransform() == transform;
+        cell.restless = block->isRestless();
+        relief.set(relief.columnOf(block->x), relief.rowOf(block->y), cell);
     }
-    BoardMesh([&](float x, float y) {
-        const std::ptrdiff_t index = cellIndex(x, y);
-        return index < 0 ? 0.0f : filled[std::size_t(index)];
-    }).merge(*geode);
+    return relief;
+}
+
+void Board::finishLook(const Relief& relief)
+{
+    BoardMesh(relief).merge(*geode);
     geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
+    root->setCullCallback(new BoardLook(*level, relief, *root->getOrCreateStateSet()));
+    level->ground->catchShadow(*this, relief);
 }
 
 void Board::finishBody()

@@ -15,6 +15,7 @@
 #include <vector>
 
 class QImage;
+class Relief;
 struct LevelPixel;
 
 namespace physx {
@@ -76,7 +77,8 @@ private:
     /// Null, after a complaint where there is one to make, for a pixel that names no block.
     Block* blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
                         BlockGroup& group);
-    void mergeStaticBlocks(int columns, int rows);
+    Relief reliefOf(int columns, int rows) const;
+    void finishLook(const Relief& relief);
     void finishBody();
     void hang();
     void createGuide(int columns, int rows);
