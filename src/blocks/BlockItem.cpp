@@ -1,11 +1,11 @@
 #include "blocks/BlockItem.h"
 
-#include "blocks/Decoration.h"
 #include "blocks/HidingCallback.h"
 #include "blocks/SingleShot.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 
 #include <osg/ShapeDrawable>

@@ -1,12 +1,13 @@
 #include "blocks/BlockTrap.h"
 
-#include "blocks/Decoration.h"
+#include "base/WorldNumbers.h"
 #include "blocks/HidingCallback.h"
 #include "blocks/SingleShot.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 
@@ -28,7 +29,6 @@ const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
 constexpr float plungerRadius = 0.4f;
 constexpr float plungerIn = 0.3f;
 constexpr float plungerOut = 1.0f;
-constexpr float throwForce = 2.0f;  // for each unit of the spring's strength
 
 constexpr float discHeight = 0.01f;
 const osg::Vec4f black(0.0f, 0.0f, 0.0f, 1.0f);
@@ -231,7 +231,7 @@ void BlockTrap::releaseSpring()
 {
     setPlungerHeight(plungerOut);
     const osg::Vec3d up = osg::Vec3d(0.0, 0.0, 1.0) * level->board->getTransform()->getMatrix();
-    pushBall(up * parameter * throwForce);
+    pushBall(up * parameter * world::springForce);
     startTimer(restMilliseconds, &BlockTrap::reset);
 }
 

@@ -1,5 +1,7 @@
 #include "game/Rollix.h"
 
+#include "base/UnreadableFile.h"
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "hand/HandCamera.h"
@@ -15,7 +17,6 @@
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/StageRecipes.h"
-#include "shaders/UnreadableFile.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
@@ -27,7 +28,6 @@
 
 namespace {
 
-constexpr float secondsPerTick = 0.033333335f;  // 1/30
 constexpr int hitSounds = 8;
 
 // The camera's circle around the board, in world units and radians.
@@ -36,7 +36,6 @@ constexpr float cameraDistance = 25.0f;
 constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
-const osg::Vec3f gravity(0.0f, 0.0f, -9.81f);
 const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
 
 const osg::Vec4f goodNews(0.0f, 0.9f, 0.0f, 1.0f);
@@ -84,7 +83,7 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 void Rollix::createWorld()
 {
     const GameLoop::Lock worldLock;
-    createScene(gravity);
+    createScene(osg::Vec3f(0.0f, 0.0f, -world::gravity));
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
@@ -262,7 +261,7 @@ void Rollix::applyKeyTorque()
 
 float Rollix::timeStep()
 {
-    return secondsPerTick;
+    return world::secondsPerTick;
 }
 
 bool* Rollix::keyFlag(int key)

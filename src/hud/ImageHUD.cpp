@@ -1,8 +1,8 @@
 #include "hud/ImageHUD.h"
 
+#include "base/UnreadableFile.h"
 #include "hud/OverlayShader.h"
 #include "shaders/ShaderProgram.h"
-#include "shaders/UnreadableFile.h"
 
 #include <osg/Geometry>
 #include <osg/Image>

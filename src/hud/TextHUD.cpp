@@ -1,8 +1,8 @@
 #include "hud/TextHUD.h"
 
+#include "base/UnreadableFile.h"
 #include "hud/OverlayShader.h"
 #include "shaders/ShaderProgram.h"
-#include "shaders/UnreadableFile.h"
 
 #include <osgDB/FileNameUtils>
 #include <osgText/Font>

@@ -1,5 +1,6 @@
 #include "level/Ball.h"
 
+#include "base/WorldNumbers.h"
 #include "blocks/Ribbon.h"
 #include "game/Rollix.h"
 #include "level/BlockCheckpoint.h"
@@ -14,8 +15,6 @@
 
 namespace {
 
-constexpr float radius = 0.3f;
-constexpr double density = 1.0;
 constexpr float startHeight = 0.5f;  // of the centre over its checkpoint's top
 
 const osg::Vec4f red(0.9f, 0.1f, 0.1f, 1.0f);
@@ -48,7 +47,7 @@ Ball::~Ball()
 void Ball::createSphere()
 {
     osg::ref_ptr<osg::ShapeDrawable> sphere =
-        new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), radius));
+        new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), world::ballRadius));
     sphere->setColor(red);
     geode->addDrawable(sphere);
     transform->addChild(geode);
@@ -64,8 +63,8 @@ void Ball::createShader()
 
 void Ball::createActor()
 {
-    game()->createSphere(id, radius, density, "holz", PhysxScene::motionDynamic, ballGroup,
-                         ballMask);
+    game()->createSphere(id, world::ballRadius, world::ballDensity, "holz",
+                         PhysxScene::motionDynamic, ballGroup, ballMask);
     game()->setCcdEnabled(id, true);
     game()->setPose(id, transform->getMatrix());
 }

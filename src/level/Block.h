@@ -1,9 +1,8 @@
 #pragma once
 
-#include "level/CornerHeights.h"
+#include "level/BlockShape.h"
 #include "level/GameObject.h"
 #include "level/Hovering.h"
-#include "level/LevelPixel.h"
 
 #include <osg/Geode>
 #include <osg/MatrixTransform>
@@ -41,8 +40,6 @@ public:
 
     /// The block's own transform, or the board's for a static block; null for a block without body.
     osg::MatrixTransform* getTransform() const { return transform; }
-
-    bool isFlat() const { return slope == flatSlope; }
 
     /// The upper face over the board as the level begins.
     CornerHeights corners() const;

@@ -16,7 +16,6 @@
 
 class QImage;
 class Relief;
-struct LevelPixel;
 
 namespace physx {
 struct PxContactPair;
@@ -74,9 +73,6 @@ private:
     void createBody();
     void createShader();
     void createBlocks(const QImage& image);
-    /// Null, after a complaint where there is one to make, for a pixel that names no block.
-    Block* blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                        BlockGroup& group);
     Relief reliefOf(int columns, int rows) const;
     void finishLook(const Relief& relief);
     void finishBody();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "level/CornerHeights.h"
+#include "level/BlockShape.h"
 
 #include <osg/Vec4f>
 

@@ -1,4 +1,4 @@
-#include "blocks/Decoration.h"
+#include "level/Decoration.h"
 
 #include "game/Rollix.h"
 #include "shaders/StageRecipes.h"

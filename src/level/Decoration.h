@@ -1,6 +1,6 @@
 #pragma once
 
-#include "level/CornerHeights.h"
+#include "level/BlockShape.h"
 #include "shaders/ShaderProgram.h"
 
 #include <osg/Vec3f>
