@@ -208,7 +208,7 @@ osg::Texture2D* Rollix::sharedTexture(const std::string& file)
     osg::ref_ptr<osg::Image> picture =
         osgDB::readRefImageFile(file, osgDB::Registry::instance()->getOptions());
     if (!picture)
-        reportUnreadable("picture", file, "What it covers is plain now.");
+        reportUnreadable("image", file, "Imagine the grain.");
     texture = new osg::Texture2D(picture);
     texture->setWrap(osg::Texture::WRAP_S, osg::Texture::MIRROR);
     texture->setWrap(osg::Texture::WRAP_T, osg::Texture::MIRROR);
