@@ -141,6 +141,45 @@ TEST_F(LevelFileTest, MayBeHuge)
     EXPECT_NEAR(ballPosition().x(), 0.5, 0.05);
 }
 
+TEST_F(LevelFileTest, GivesABareBoardAndOneLineWhenItWouldTakeTooMuch)
+{
+    QImage photograph(1920, 1080, QImage::Format_RGB32);
+    for (int y = 0; y < photograph.height(); ++y) {
+        for (int x = 0; x < photograph.width(); ++x)
+            photograph.setPixel(x, y, qRgb(x / 8, y / 5, 90));
+    }
+    const QImage coins = LevelPicture(60, 60, {45, 90, 73}).image();
+    for (const QImage& image : {photograph, coins}) {
+        ASSERT_TRUE(image.save(levelFile));
+        OutputCapture output;
+        game.loadLevel(0);
+        EXPECT_TRUE(board().getBlocks().empty());
+        ASSERT_EQ(output.lines().size(), 2u);
+        EXPECT_EQ(output.lines()[0], readingLine);
+        EXPECT_EQ(output.lines()[1].rfind("I cannot build data/Rollix/level0.png: ", 0), 0u)
+            << output.lines()[1];
+        holds(Qt::Key_Up, 10);
+        EXPECT_GT(tiltDegrees(), 1.0) << "the game lives";
+    }
+    loads({"S"});
+    EXPECT_EQ(board().getBlocks().size(), 1u);
+}
+
+TEST_F(LevelFileTest, TellsOfAllItsRefusedPixelsInOneLine)
+{
+    LevelPicture picture(5, 4, cells::floor);
+    for (const auto& [column, row] : {std::pair(3, 1), {0, 2}, {4, 3}})
+        picture.set(column, row, {45, 100, 40, 200});
+    OutputCapture output;
+    loads(picture);
+    EXPECT_EQ(output.lines(),
+              (Lines{readingLine,
+                     "I cannot build 3 of the blocks of data/Rollix/level0.png: a value under 57 "
+                     "gives no body. The first is at column 3, row 1: hue 45, saturation 100, "
+                     "value 40, alpha 200."}));
+    EXPECT_EQ(board().getBlocks().size(), 17u);
+}
+
 TEST_F(LevelFileTest, MayBeOfAnyKindOfPng)
 {
     LevelPicture picture(6, 4, cells::floor);
