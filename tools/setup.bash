@@ -11,7 +11,7 @@ playPackages=(
     libqt5opengl5-dev libqt5websockets5-dev libsndfile1-dev nlohmann-json3-dev qtbase5-dev
 )
 testPackages=(
-    clang-format-14 faketime git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool
+    clang-format-14 git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool
     xvfb
 )
 longTestPackages=(clang)

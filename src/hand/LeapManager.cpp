@@ -38,3 +38,12 @@ void LeapManager::removeListener()
         self->controller.removeListener(*self->listener);
     }
 }
+
+void LeapManager::forget(Leap::Listener* listener)
+{
+    // Also from what ends after the exit handlers.
+    if (!manager || manager->listener != listener)
+        return;
+    removeListener();
+    manager->listener = nullptr;
+}

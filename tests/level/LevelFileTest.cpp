@@ -4,6 +4,7 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "support/DifferingPixels.h"
+#include "support/EventLoop.h"
 #include "support/GameTest.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"
@@ -261,12 +262,7 @@ TEST_F(LevelFileTest, GetsItsWoodBackWhenABrokenShaderIsMended)
     OutputCapture output;
     const auto noticed = [&] {
         const std::string notice = path.toStdString() + " was changed";
-        for (int i = 0; i < 2000; ++i) {
-            if (output.text().find(notice) != std::string::npos)
-                return true;
-            waits(10);
-        }
-        return false;
+        return waitUntil([&] { return output.text().find(notice) != std::string::npos; });
     };
     saves(path, "void main() { this is no shader }\n");
     ASSERT_TRUE(noticed());
@@ -275,16 +271,10 @@ TEST_F(LevelFileTest, GetsItsWoodBackWhenABrokenShaderIsMended)
 
     OutputCapture again;
     saves(path, text);
-    for (int i = 0; i < 2000 && again.text().empty(); ++i)
-        waits(10);
-    ASSERT_FALSE(again.text().empty());
+    ASSERT_TRUE(waitUntil([&] { return !again.text().empty(); }));
     // A save comes as one or more notices; the last one has the whole text.
-    bool isBack = false;
-    for (int i = 0; i < 200 && !isBack; ++i) {
-        waits(10);
-        isBack = differingPixels(frame(false), wood) < 50;
-    }
-    EXPECT_TRUE(isBack) << "without a restart";
+    EXPECT_TRUE(waitUntil([&] { return differingPixels(frame(false), wood) < 50; }))
+        << "without a restart";
 }
 
 }  // namespace

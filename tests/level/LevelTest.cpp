@@ -208,6 +208,25 @@ TEST_F(LevelTest, LevelsTheBoardOfALevelWithoutAStart)
     EXPECT_GT(ballPosition().z(), 39.0) << "the ball stays where it is";
 }
 
+TEST_F(LevelTest, BeginsAnewWithoutAStartAndLeavesTheBallWhereItIs)
+{
+    loads({"...", "..."});
+    ticks();
+    putsBall(osg::Vec3d(0.0, 0.0, 40.0));
+    ticks();
+    level().changeCoins(7);
+    level().changeLives(-2, false);
+    OutputCapture output;
+    level().restart(true);
+    ticks();
+    EXPECT_EQ(output.text(), "");
+    EXPECT_EQ(level().checkpoint, nullptr);
+    EXPECT_EQ(level().livesLeft(), 5);
+    EXPECT_EQ(level().coinCount(), 0);
+    EXPECT_EQ(game.state, GameState::LevelFailed);
+    EXPECT_GT(ballPosition().z(), 39.0);
+}
+
 TEST_F(LevelTest, TellsTheGameThatItIsWon)
 {
     level().complete();

@@ -29,18 +29,35 @@ private:
     std::function<void(osg::Node&)> visit;
 };
 
+void forEachText(osg::Node* node, const std::function<void(const osgText::Text&)>& action)
+{
+    Walk walk([&](osg::Node& found) {
+        if (const auto* text = dynamic_cast<osgText::Text*>(&found))
+            action(*text);
+    });
+    node->accept(walk);
+}
+
 }  // namespace
 
 std::vector<std::string> textsBelow(osg::Node* node, float smallest)
 {
     std::vector<std::string> texts;
-    Walk walk([&](osg::Node& found) {
-        const auto* text = dynamic_cast<osgText::Text*>(&found);
-        if (text && text->getCharacterHeight() >= smallest)
-            texts.push_back(text->getText().createUTF8EncodedString());
+    forEachText(node, [&](const osgText::Text& text) {
+        if (text.getCharacterHeight() >= smallest)
+            texts.push_back(text.getText().createUTF8EncodedString());
     });
-    node->accept(walk);
     return texts;
+}
+
+const osgText::Text* textReading(const std::string& text, osg::Node* node)
+{
+    const osgText::Text* result = nullptr;
+    forEachText(node, [&](const osgText::Text& found) {
+        if (!result && found.getText().createUTF8EncodedString() == text)
+            result = &found;
+    });
+    return result;
 }
 
 std::vector<std::string> imagesBelow(osg::Node* node)
