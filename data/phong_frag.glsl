@@ -9,7 +9,7 @@ in vec3 eyeToLight;
 uniform mat4 osg_ViewMatrix;  // world to eye, set by the scene graph for every view
 
 const vec3 skyLight = vec3(0.44, 0.46, 0.52);
-const vec3 groundLight = vec3(0.20, 0.18, 0.17);
+const vec3 groundLight = vec3(0.36, 0.30, 0.25);
 const vec3 lampLight = vec3(0.80, 0.77, 0.70);
 const float cornerLight = 0.7;  // of the lamp, where nothing is seen of the sky
 

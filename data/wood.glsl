@@ -22,7 +22,7 @@ uniform vec4 a_Lacquer;         // a colour over the wood, and how much of it
 const vec3 paleWood = vec3(0.93, 0.72, 0.45);
 const vec3 amberWood = vec3(0.74, 0.43, 0.19);
 const vec3 darkWood = vec3(0.40, 0.19, 0.09);
-const vec3 sideStain = vec3(0.62, 0.54, 0.50);
+const vec3 sideStain = vec3(0.80, 0.72, 0.68);
 const float lowestTop = 0.5;   // height of the lowest blocks
 const float highestTop = 2.0;  // and of the highest
 const vec3 grainContrast = vec3(0.46, 0.55, 0.62);  // late wood is redder

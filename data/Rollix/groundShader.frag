@@ -13,9 +13,9 @@ uniform vec2 a_CoverSize;        // of that picture, in units
 
 const vec3 skyColor = vec3(0.2, 0.2, 0.6);
 const float halfGround = 15.0;    // units
-const float fadeWidth = 5.0;      // of its edge, units
+const float fadeWidth = 2.5;      // of its edge, units
 const vec2 grainSize = vec2(0.035, 0.07);
-const float grainStrength = 0.9;
+const float grainStrength = 0.45;
 const float shadowStrength = 0.62;
 const float lampShare = 1.25;     // what the ground shows of its colour in full light
 

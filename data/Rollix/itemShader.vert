@@ -7,7 +7,7 @@ uniform float osg_SimulationTime;
 //HOTSPOT_PRE_MAIN
 
 const float itemScale = 2.0;     // the group about its middle: the copies alone are too small to be told apart
-const float signScale = 1.1;     // of the sign, which only explains
+const float signScale = 1.4;     // of the sign, which only explains
 const vec3 signShift = vec3(0.5, -0.3, -0.3);  // of the sign towards its coin, in the items' frame
 const float itemLift = 0.9;      // in the items' frame, keeps the larger copies off the block
 const float turnSpeed = 1.6;     // radians a second

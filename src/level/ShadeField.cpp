@@ -215,7 +215,17 @@ float ShadeField::shadowDepth(int column, int row, float u, float v, const osg::
     float toColumn = wayX != 0.0f ? (wayX > 0.0f ? 1.0f - u : u) * perColumn : never;
     float toRow = wayY != 0.0f ? (wayY > 0.0f ? 1.0f - v : v) * perRow : never;
 
+    // What does not stand above the wood at the border of the point's own cell runs on with it.
+    const float leaves = std::min({toColumn, toRow, 1.0f});
+    const float surface = cell(column, row)
+                              .top.at(std::clamp(u + leaves * wayX, 0.0f, 1.0f),
+                                      std::clamp(v + leaves * wayY, 0.0f, 1.0f)) +
+                          visibleTopMove;
     float deepest = lowestShadow;
+    const auto passUnder = [&](float height, float ray) {
+        if (height > surface)
+            deepest = std::max(deepest, height - ray);
+    };
     while (true) {
         const float enters = std::min(toColumn, toRow);
         const float ray = z + enters * wayZ;
@@ -232,13 +242,13 @@ float ShadeField::shadowDepth(int column, int row, float u, float v, const osg::
             return deepest;
         const Cell& met = cell(column, row);
         if (met.flat) {
-            deepest = std::max(deepest, met.top.leftFront - ray);
+            passUnder(met.top.leftFront, ray);
             continue;
         }
         for (const float part : {enters, std::min(toColumn, toRow)}) {
             const float inX = std::clamp(x + part * wayX - float(column), 0.0f, 1.0f);
             const float inY = std::clamp(y + part * wayY - float(row), 0.0f, 1.0f);
-            deepest = std::max(deepest, met.top.at(inX, inY) - (z + part * wayZ));
+            passUnder(met.top.at(inX, inY), z + part * wayZ);
         }
     }
 }
