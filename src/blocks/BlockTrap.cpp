@@ -140,11 +140,6 @@ void BlockTrap::reset()
     }
 }
 
-bool BlockTrap::isRestless() const
-{
-    return kind == TrapKind::Trapdoor;
-}
-
 float BlockTrap::presence() const
 {
     return kind == TrapKind::Trapdoor && active ? 0.0f : 1.0f;

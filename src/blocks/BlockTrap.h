@@ -39,8 +39,7 @@ public:
     /// Armed and at rest, whatever was under way.
     void reset() override;
 
-    /// A trapdoor is there or it is not.
-    bool isRestless() const override;
+    /// A trapdoor is there or it is not; none of its edges gives it away before.
     float presence() const override;
 
 protected:

@@ -44,9 +44,9 @@ public:
     /// The upper face over the board as the level begins.
     CornerHeights corners() const;
 
-    /// Whether the block may rise, sink or vanish, which lift() and presence() then tell: how far
-    /// it stands above its place, in units, and how much of it is there, 1 for all and 0 for
-    /// nothing.
+    /// Whether one may see that the block can rise, sink or vanish: its edges part it from the
+    /// wood round it. How far it stands above its place now, in units, and how much of it is there,
+    /// 1 for all and 0 for nothing.
     virtual bool isRestless() const;
     virtual float lift() const;
     virtual float presence() const;

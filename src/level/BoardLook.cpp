@@ -64,16 +64,16 @@ void BoardLook::findBlocks(const Relief& relief)
             hovering.push_back(block);
         const int column = relief.columnOf(block->x);
         const int row = relief.rowOf(block->y);
-        if (relief.at(column, row).filled && !relief.at(column, row).merged)
-            block->setOpenEdges(relief.openEdges(column, row));
-        if (block->isRestless())
-            restless.push_back({block, column, row});
+        if (!relief.at(column, row).filled || relief.at(column, row).merged)
+            continue;
+        block->setOpenEdges(relief.openEdges(column, row));
+        dynamicBlocks.push_back({block, column, row});
     }
 }
 
 void BoardLook::lookAtBlocks()
 {
-    for (const Standing& standing : restless) {
+    for (const Standing& standing : dynamicBlocks) {
         const float presence = standing.block->presence();
         if (presence > 0.0f)
             field.setTop(standing.column, standing.row,

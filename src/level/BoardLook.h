@@ -41,7 +41,7 @@ private:
 
     Level& level;
     ShadeField field;
-    std::vector<Standing> restless;
+    std::vector<Standing> dynamicBlocks;
     std::vector<Block*> hovering;
     osg::ref_ptr<osg::Image> shadeMap;
     osg::ref_ptr<osg::Uniform> ballPlace;

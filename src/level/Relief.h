@@ -16,7 +16,7 @@ public:
         CornerHeights top;
         bool filled = false;    // something stands there
         bool merged = false;    // it is part of the board's own body
-        bool restless = false;  // it may rise, sink or vanish
+        bool restless = false;  // may rise, sink or vanish, and looks it
     };
 
     Relief(int columns, int rows);
