@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Paints the grain of the board's wood, as seen on a cut along the log: data/Rollix/wood.png.
 
 One channel: 0 is the pale wood of spring, 255 the darkest line of autumn. The picture is repeated by

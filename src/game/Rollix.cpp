@@ -124,12 +124,11 @@ void Rollix::createMenus()
         addLine("Restart", [this] { requestLevel(LevelAction::Restart); });
         addLine("Next Level", [this] { requestLevel(LevelAction::Next); });
         addLine("Previous Level", [this] { requestLevel(LevelAction::Previous); });
-        if (canContinue) {
+        if (canContinue)
             addLine("Continue", [this] {
                 pauseMenu->hide();
                 state = GameState::WaitingForRest;
             });
-        }
         osg::ref_ptr<MenuHUD> menu = new MenuHUD;
         menu->init(sceneRoot, this);
         menu->setRootItem(folder);

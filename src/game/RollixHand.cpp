@@ -121,10 +121,9 @@ void Rollix::awaitRestPose(const Leap::Frame& frame)
 
 bool Rollix::detectScreenTap(const Leap::Frame& frame)
 {
-    for (int i = 0; i < frame.gestures().count(); ++i) {
+    for (int i = 0; i < frame.gestures().count(); ++i)
         if (frame.gestures()[i].type() == Leap::Gesture::TYPE_SCREEN_TAP)
             return true;
-    }
     return false;
 }
 

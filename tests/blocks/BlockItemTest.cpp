@@ -20,6 +20,7 @@ constexpr int coinsOfFour = 98;
 constexpr int coinsLess = 80;
 constexpr int heartsOfTwo = 73;
 constexpr int heartsLess = 60;
+constexpr int heartsOfFour = 78;
 constexpr int weightOfOneSecond = 50;
 constexpr int plainCoin = 48;
 
@@ -320,6 +321,35 @@ TEST_F(BlockItemTest, IsNotDrawnWhileItIsTaken)
         const QImage back = cutout(frame(false), place, 60);
         EXPECT_GT(differingPixels(taken, back), 100);
     }
+}
+
+TEST_F(BlockItemTest, IsDrawnToTheEdgeOfThePictureWhereverThatCutsIt)
+{
+    // From above, past each side of the picture: what is not culled is what is to be seen.
+    loadsItem(heartsOfFour);
+    hovers(osg::Vec3d(-60.0, 60.0, 1.0));
+    const osg::Vec3d place = positionOf(item());
+    const auto redInPicture = [this](bool culled) {
+        game.getCamera()->setCullingMode(culled ? osg::CullSettings::DEFAULT_CULLING
+                                                : osg::CullSettings::NO_CULLING);
+        return redPixels(frame(false));
+    };
+    const auto culling = game.getCamera()->getCullingMode();
+    int seenInPart = 0;
+    for (const osg::Vec3d& side : {osg::Vec3d(1.0, 0.0, 0.0), osg::Vec3d(-1.0, 0.0, 0.0),
+                                   osg::Vec3d(0.0, 1.0, 0.0), osg::Vec3d(0.0, -1.0, 0.0)}) {
+        for (double away = 0.8; away < 3.2; away += 0.15) {
+            SCOPED_TRACE(testing::Message() << side.x() << ' ' << side.y() << ", " << away);
+            looksAt(place + side * away, 4.0f);
+            const int all = redInPicture(false);
+            if (all < 30 || all > 600)
+                continue;
+            ++seenInPart;
+            EXPECT_GT(redInPicture(true), all / 3);
+        }
+    }
+    game.getCamera()->setCullingMode(culling);
+    EXPECT_GT(seenInPart, 8);
 }
 
 TEST_F(BlockItemTest, PutsItsModelInTheMiddleUnlessACopyHasAPlaceOfItsOwn)

@@ -9,6 +9,7 @@
 #include "hud/TextHUD.h"
 #include "level/Ball.h"
 #include "level/Level.h"
+#include "support/DifferingPixels.h"
 #include "support/ManualClock.h"
 #include "support/SceneSearch.h"
 
@@ -195,6 +196,40 @@ TEST_F(BlockTimersTest, SpringGoesInAfterTenSecondsAndThrowsAgain)
     EXPECT_NEAR(ballVelocity().z(), speedOfForce(10.0), 0.002);
 }
 
+TEST_F(BlockTimersTest, MineIsDrawnAgainAfterItsRest)
+{
+    loadsTrap(90);
+    looksAt(positionOf(block()), 7.0f);
+    const auto redOfMine = [this] {
+        hovers(osg::Vec3d(-7.0, 0.0, 1.0));
+        const QPoint place = pixelOf(positionOf(block()) + osg::Vec3d(0.0, 0.0, 0.35));
+        return redPixels(cutout(frame(false), place, 60));
+    };
+    const int armed = redOfMine();
+    ASSERT_GT(armed, 20);
+    touches(block());
+    comesTrueIn(blast, [this] { return mineRadius() < 0.05f; });
+    ASSERT_EQ(redOfMine(), 0);
+    comesTrueIn(rest, [this] { return mineRadius() > 0.05f; });
+    EXPECT_NEAR(redOfMine(), armed, armed / 4);
+}
+
+TEST_F(BlockTimersTest, SpringIsDrawnInAgainAfterItsRest)
+{
+    loadsTrap(80);
+    looksAt(positionOf(block()), 7.0f);
+    const auto picture = [this] {
+        hovers(osg::Vec3d(-7.0, 0.0, 1.0));
+        const QPoint place = pixelOf(positionOf(block()) + osg::Vec3d(0.0, 0.0, 0.5));
+        return cutout(frame(false), place, 60);
+    };
+    const QImage in = picture();
+    touches(block());
+    ASSERT_GT(differingPixels(in, picture()), 400);
+    comesTrueIn(rest, [this] { return plungerHeight() < 0.5f; });
+    EXPECT_LT(differingPixels(in, picture()), 10);
+}
+
 TEST_F(BlockTimersTest, TrapdoorOpensAfterItsDelayAndShutsAfterTenSeconds)
 {
     const int saturation[] = {70, 73, 76, 78};
@@ -249,6 +284,24 @@ TEST_F(BlockTimersTest, HeartOfTheLastLifeIsLeftAloneByTheResetThatFollows)
     waits(11000);
     touches(block());
     EXPECT_EQ(level().livesLeft(), 4);
+}
+
+TEST_F(BlockTimersTest, FallDuringAWeightPutsTheBallBackWithoutGravityUntilTheWeightEnds)
+{
+    loadsItem(53);
+    touches(block());
+    putsBall(osg::Vec3d(20.0, 0.0, -9.0), osg::Vec3f(0.0f, 0.0f, -20.0f));
+    ASSERT_TRUE(ticksUntil([this] { return level().livesLeft() == 4; }, 30));
+    ticks();
+    const osg::Vec3d place = ballPosition();
+    EXPECT_NEAR(place.z(), 1.0, 1e-4) << "half a unit over the start cell";
+    ticks(20);
+    EXPECT_NEAR((ballPosition() - place).length(), 0.0, 1e-3);
+    touches(block());
+    comesTrueIn(4.0, [this] {
+        ticks();
+        return ballVelocity().z() < -0.1f;
+    });
 }
 
 TEST_F(BlockTimersTest, WeightLastsItsSecondsAndComesBackTenLater)

@@ -434,9 +434,8 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
 {
     const double ratio = widget->devicePixelRatioF();
     RecordProperty("ratio", std::to_string(ratio));
-    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) {
+    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
         ASSERT_EQ(ratio, qEnvironmentVariable("QT_SCALE_FACTOR").toDouble());
-    }
     const osg::ref_ptr<osgViewer::View> view = addsView();
     widget->show();
     queued();
@@ -444,10 +443,9 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
     const int width = int(std::lround(320 * ratio));
     const int height = int(std::lround(120 * ratio));
     bool told = false;
-    for (const auto& event : queued()) {
+    for (const auto& event : queued())
         if (event->getEventType() == osgGA::GUIEventAdapter::RESIZE)
             told = event->getWindowWidth() == width && event->getWindowHeight() == height;
-    }
     EXPECT_TRUE(told);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->width, width);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->height, height);

@@ -118,10 +118,12 @@ bool FrameWitness::waitsForFrame(std::int64_t id)
 
 bool FrameWitness::waitsUntilStuckAt(std::int64_t id)
 {
-    return holdsWithin(generousMilliseconds, [&] {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return begun == id && isAsleep(servingThread);
-    });
+    return holdsWithin(
+        generousMilliseconds,
+        [&] {
+            const std::lock_guard<std::mutex> lock(mutex);
+            return begun == id && isAsleep(servingThread);
+        });
 }
 
 bool FrameWitness::waitsForFrames(std::size_t count)
@@ -253,10 +255,9 @@ bool HandGameTest::reads(const std::string& text) const
 
 std::string HandGameTest::selectedLine() const
 {
-    for (const std::string& line : textsBelow(game.getSceneData(), titleHeight)) {
+    for (const std::string& line : textsBelow(game.getSceneData(), titleHeight))
         if (line != menuTitle)
             return line;
-    }
     return std::string();
 }
 
@@ -302,8 +303,8 @@ std::vector<PlayedHand> twoHands()
 PlayedHand handFor(const osg::Vec3d& up)
 {
     PlayedHand hand;
-    hand.roll = static_cast<float>(-std::asin(up.x()));
-    hand.pitch = static_cast<float>(-std::asin(up.y() / std::cos(double(hand.roll))));
+    hand.roll = float(-std::asin(up.x()));
+    hand.pitch = float(-std::asin(up.y() / std::cos(double(hand.roll))));
     return hand;
 }
 

@@ -34,10 +34,9 @@ void expectNear(const osg::Vec3d& measured, const osg::Vec3d& expected, double t
 int greenerPixels(const QImage& image, const QImage& than)
 {
     int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             count += qGreen(image.pixel(x, y)) > qGreen(than.pixel(x, y)) + 20;
-    }
     return count;
 }
 

@@ -247,7 +247,8 @@ TEST_F(HandServiceTest, IsHeardBetweenTicksThatLeaveNoTime)
     // The drawing of a slow machine: the next tick is due before the last one is over.
     service.shows({flatHand()});
     service.streams();
-    ASSERT_TRUE(holdsWithin(generousLimit, [&] { return game.state == GameState::Playing; }));
+    ASSERT_TRUE(holdsWithin(
+        generousLimit, [&] { return game.state == GameState::Playing; }));
     GameLoop::Task draws = [] {
         QThread::msleep(25);
     };

@@ -1,12 +1,13 @@
 #include "HandGameTest.h"
 #include "LevelMap.h"
+#include "LevelSight.h"
+#include "Strategy.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/MenuHUD.h"
 #include "level/Ball.h"
 #include "level/Level.h"
-#include "support/KeyPlayer.h"
 
 #include <QImage>
 
@@ -15,7 +16,6 @@
 
 namespace {
 
-constexpr double approach = 1.0;    // wanted speed per unit of distance, 1/s
 constexpr double topSpeed = 2.0;    // units/s
 constexpr double obedience = 1.2;   // wanted acceleration per unit of missing speed, 1/s
 constexpr double gentleTilt = 0.2;  // sine of the board's angle
@@ -69,65 +69,30 @@ public:
     bool finishes()
     {
         const LevelMap map(picture);
-        KeyPlayer planner(
-            map, [](Qt::Key) {}, [](Qt::Key) {});
-        std::vector<CellPosition> flags = map.cellsWhere([](const LevelPixel& pixel) {
-            return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && pixel.saturation >= 79 &&
-                   pixel.saturation <= 90;
-        });
-        const std::vector<CellPosition> goals = map.cellsWhere([](const LevelPixel& pixel) {
-            return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && pixel.saturation >= 49 &&
-                   pixel.saturation <= 68;
-        });
+        LevelSight sight(game, map, 0);
+        Temper temper;
+        temper.speed = topSpeed;
+        Strategy strategy(map, temper);
         for (int tick = 0; tick < longestRun; ++tick) {
             if (game.state == GameState::LevelCompleted || game.state == GameState::LevelFailed)
                 break;
-            const PlayerView view{ballPosition(), ballVelocity(), boardPose()};
-            const CellPosition here = planner.cellOf(view);
-            flags.erase(std::remove(flags.begin(), flags.end(), here), flags.end());
+            sight.look();
+            const PlayerView& view = sight.view();
+            const Intent intent = strategy.decide(sight, view.onBoard());
             if (game.state == GameState::WaitingForRest)
                 sees({handFor(up())});
             else
-                sees({leading(tiltTowards(nearest(planner, flags.empty() ? goals : flags, here),
-                                          planner, map, view))});
+                sees({leading(tiltFor(intent, view))});
             ticks();
         }
         return game.state == GameState::LevelCompleted;
     }
 
 private:
-    static CellPosition nearest(const KeyPlayer& planner, const std::vector<CellPosition>& cells,
-                                const CellPosition& from)
+    static osg::Vec2d tiltFor(const Intent& intent, const PlayerView& view)
     {
-        CellPosition target = from;
-        std::size_t shortest = 0;
-        for (const CellPosition& cell : cells) {
-            const std::size_t length = planner.wayTo(cell, from).size();
-            if (length > 0 && (shortest == 0 || length < shortest)) {
-                shortest = length;
-                target = cell;
-            }
-        }
-        return target;
-    }
-
-    static osg::Vec2d tiltTowards(const CellPosition& target, const KeyPlayer& planner,
-                                  const LevelMap& map, const PlayerView& view)
-    {
-        const osg::Vec3d ball = planner.onBoard(view);
-        const std::vector<CellPosition> way = planner.wayTo(target, planner.cellOf(view));
-        osg::Vec3d wanted;
-        if (!way.empty()) {
-            // The end of the straight run that the way begins with.
-            std::size_t corner = std::min<std::size_t>(1, way.size() - 1);
-            while (corner + 1 < way.size() &&
-                   way[corner + 1].column - way[corner].column == way[1].column - way[0].column &&
-                   way[corner + 1].row - way[corner].row == way[1].row - way[0].row)
-                ++corner;
-            wanted.set(within((map.x(way[corner]) - ball.x()) * approach, topSpeed),
-                       within((map.y(way[corner]) - ball.y()) * approach, topSpeed), 0.0);
-        }
-        wanted = osg::Matrixd::transform3x3(wanted, view.board);
+        const osg::Vec3d wanted = osg::Matrixd::transform3x3(
+            osg::Vec3d(intent.velocity.x(), intent.velocity.y(), 0.0), view.board);
         return {within((wanted.x() - view.velocity.x()) * obedience / world::rollingGravity,
                        gentleTilt),
                 within((wanted.y() - view.velocity.y()) * obedience / world::rollingGravity,

@@ -171,12 +171,10 @@ TEST_F(RollixKeysTest, BringTheBoardToThirtyDegreesInHalfASecondAndNoFurther)
         ASSERT_LE(boardTurn().length(), 1.0 + 1e-3) << "at most a radian a second";
         // The cone acts from its edge on: one step's turn may lie beyond it.
         ASSERT_LE(tiltDegrees(), 32.0);
-        if (tick == halfASecond / 2) {
+        if (tick == halfASecond / 2)
             EXPECT_LT(tiltDegrees(), 15.0);
-        }
-        if (tick >= halfASecond) {
+        if (tick >= halfASecond)
             ASSERT_NEAR(tiltDegrees(), 30.0, 0.3) << tick;
-        }
     }
 }
 

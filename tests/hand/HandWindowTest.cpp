@@ -40,11 +40,9 @@ protected:
 
     QPushButton* button(const QString& text)
     {
-        for (auto* candidate : window.findChildren<QPushButton*>()) {
-            if (candidate->text().remove('&').startsWith(text)) {
+        for (auto* candidate : window.findChildren<QPushButton*>())
+            if (candidate->text().remove('&').startsWith(text))
                 return candidate;
-            }
-        }
         return nullptr;
     }
 
@@ -86,9 +84,8 @@ TEST_F(HandWindowTest, LiftsTheHandByTheWheel)
                    Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&window.pad(), &up);
     EXPECT_EQ(hands()[0].palm.y(), 230.0f);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 50; ++i)
         QApplication::sendEvent(&window.pad(), &up);
-    }
     EXPECT_EQ(hands()[0].palm.y(), 450.0f);
 }
 

@@ -145,10 +145,9 @@ TEST_F(LevelFileTest, MayBeHuge)
 TEST_F(LevelFileTest, GivesABareBoardAndOneLineWhenItWouldTakeTooMuch)
 {
     QImage photograph(1920, 1080, QImage::Format_RGB32);
-    for (int y = 0; y < photograph.height(); ++y) {
+    for (int y = 0; y < photograph.height(); ++y)
         for (int x = 0; x < photograph.width(); ++x)
             photograph.setPixel(x, y, qRgb(x / 8, y / 5, 90));
-    }
     const QImage coins = LevelPicture(60, 60, {45, 90, 73}).image();
     for (const QImage& image : {photograph, coins}) {
         ASSERT_TRUE(image.save(levelFile));

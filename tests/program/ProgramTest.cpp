@@ -92,10 +92,9 @@ protected:
     Lines complaints()
     {
         Lines result;
-        for (const std::string& line : lines()) {
+        for (const std::string& line : lines())
             if (line.rfind("I ", 0) == 0 || line.rfind("FMOD", 0) == 0)
                 result.push_back(line);
-        }
         std::sort(result.begin(), result.end());
         return result;
     }

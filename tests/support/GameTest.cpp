@@ -201,10 +201,9 @@ Block* GameTest::blockAt(int column, int row) const
 {
     const float x = (float(column) - float(pictureWidth) * 0.5f) + 0.5f;
     const float y = (float(pictureHeight) * 0.5f - float(row)) - 0.5f;
-    for (const osg::ref_ptr<Block>& block : board().getBlocks()) {
+    for (const osg::ref_ptr<Block>& block : board().getBlocks())
         if (block->x == x && block->y == y)
             return block;
-    }
     return nullptr;
 }
 

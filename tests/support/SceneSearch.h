@@ -19,6 +19,8 @@ std::vector<std::string> textsBelow(osg::Node* node, float smallest = 0.0f);
 const osgText::Text* textReading(const std::string& text, osg::Node* node);
 /// The file names of the textures' images, in the order of the tree.
 std::vector<std::string> imagesBelow(osg::Node* node);
+/// The first drawable of a texture with an image of this file name; null if there is none.
+osg::Drawable* drawableOfImage(osg::Node* node, const std::string& file);
 /// The first uniform of this name; null if there is none.
 osg::Uniform* uniformBelow(osg::Node* node, const std::string& name);
 /// The first node whose own state set holds a uniform of this name; null if there is none.

@@ -46,14 +46,13 @@ QSize HandPad::sizeHint() const
 
 std::vector<PlayedHand> HandPad::hands() const
 {
-    if (!handPresent) {
+    if (!handPresent)
         return {};
-    }
     PlayedHand right;
     right.id = handNumber;
     right.palm.setY(palmHeight);
-    const auto x = static_cast<float>(mouse.x());
-    const auto y = static_cast<float>(mouse.y());
+    const auto x = float(mouse.x());
+    const auto y = float(mouse.y());
     if (!secondHand) {
         // The ball rolls to the mouse: down where it is.
         right.roll = -farthestTilt * x;
@@ -77,9 +76,8 @@ void HandPad::draw(const std::vector<PlayedHand>& sent)
 
 void HandPad::setHandPresent(bool present)
 {
-    if (present && !handPresent) {
+    if (present && !handPresent)
         handNumber += 2;
-    }
     handPresent = present;
     emit changed();
 }
@@ -109,7 +107,7 @@ void HandPad::leaveEvent(QEvent*)
 void HandPad::wheelEvent(QWheelEvent* event)
 {
     constexpr float notch = 120.0f;
-    const auto notches = static_cast<float>(event->angleDelta().y()) / notch;
+    const auto notches = float(event->angleDelta().y()) / notch;
     palmHeight = std::clamp(palmHeight + notches * heightPerNotch, lowest, highest);
     event->accept();
     emit changed();
@@ -121,9 +119,8 @@ void HandPad::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(rect(), paper);
     paintGround(painter);
-    for (const PlayedHand& hand : shown) {
+    for (const PlayedHand& hand : shown)
         paintHand(painter, hand);
-    }
     if (shown.empty()) {
         painter.setPen(ink);
         painter.drawText(rect(), Qt::AlignCenter, tr("No hand over the sensor"));
@@ -143,7 +140,7 @@ void HandPad::paintGround(QPainter& painter) const
     constexpr int cell = 50;
     painter.setPen(QPen(grid, 1.0));
     for (int at = -reach; at <= reach; at += cell) {
-        const auto line = static_cast<float>(at);
+        const auto line = float(at);
         painter.drawLine(project({line, 0, -reach}), project({line, 0, reach}));
         painter.drawLine(project({-reach, 0, line}), project({reach, 0, line}));
     }
@@ -163,9 +160,8 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& hand) const
     const QQuaternion pose = hand.orientation();
     QPolygonF board;
     for (const QVector3D& corner : {QVector3D(-95, 0, -125), QVector3D(95, 0, -125),
-                                    QVector3D(95, 0, 75), QVector3D(-95, 0, 75)}) {
+                                    QVector3D(95, 0, 75), QVector3D(-95, 0, 75)})
         board << project(hand.palm + pose.rotatedVector(corner));
-    }
     QColor glass = wood;
     glass.setAlpha(50);
     painter.setPen(QPen(wood, 1.5));
@@ -178,14 +174,12 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& hand) const
     std::vector<QPainterPath> fingers;
     for (int number = 0; number < fingerCount; ++number) {
         const auto joints = fingerJoints(hand, number);
-        if (number == 0) {
+        if (number == 0)
             palm << project(joints[0]);
-        }
         palm << project(joints[1]);
         QPainterPath path(project(joints[1]));
-        for (std::size_t joint = 2; joint < joints.size(); ++joint) {
+        for (std::size_t joint = 2; joint < joints.size(); ++joint)
             path.lineTo(project(joints[joint]));
-        }
         fingers.push_back(path);
     }
     palm << project(fingerJoints(hand, fingerCount - 1)[0]);
@@ -199,8 +193,7 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& hand) const
         painter.setBrush(pen.color());
         painter.drawPath(whole);
         painter.setBrush(Qt::NoBrush);
-        for (const QPainterPath& path : fingers) {
+        for (const QPainterPath& path : fingers)
             painter.drawPath(path);
-        }
     }
 }

@@ -43,7 +43,7 @@ private:
     std::vector<PlayedHand> shown;
     bool handPresent = true;
     bool secondHand = false;
-    QPointF mouse;              ///< -1 to 1 in both directions, up is positive
-    float palmHeight = 200.0f;  ///< mm
-    int handNumber = 1;         ///< a hand that comes back is a new one for the service
+    QPointF mouse;              // -1 to 1 in both directions, up is positive
+    float palmHeight = 200.0f;  // mm
+    int handNumber = 1;         // a hand that comes back is a new one for the service
 };

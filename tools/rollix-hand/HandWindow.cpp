@@ -42,8 +42,10 @@ HandWindow::HandWindow(SensorServer& server_)
     keys[Qt::Key_S] = secondHandSwitch;
     connect(handSwitch, &QCheckBox::toggled, handPad, &HandPad::setHandPresent);
     connect(secondHandSwitch, &QCheckBox::toggled, handPad, &HandPad::setSecondHand);
-    connect(tap, &QPushButton::clicked, this, [this] { server.player().tap(); });
-    connect(next, &QPushButton::clicked, this, [this] { server.player().circle(1.0, true); });
+    connect(
+        tap, &QPushButton::clicked, this, [this] { server.player().tap(); });
+    connect(
+        next, &QPushButton::clicked, this, [this] { server.player().circle(1.0, true); });
     connect(previous, &QPushButton::clicked, this, [this] { server.player().circle(1.0, false); });
     connect(handPad, &HandPad::changed, this, &HandWindow::updateHands);
     connect(&server, &SensorServer::frameSent, this,
@@ -66,11 +68,10 @@ QPushButton* HandWindow::gestureButton(const QString& text, Qt::Key key, const Q
 void HandWindow::keyPressEvent(QKeyEvent* event)
 {
     const auto button = keys.find(event->key());
-    if (button != keys.end() && !event->isAutoRepeat()) {
+    if (button != keys.end() && !event->isAutoRepeat())
         button->second->click();
-    } else {
+    else
         QWidget::keyPressEvent(event);
-    }
 }
 
 // The finger's way through a gesture belongs to the player; all the rest comes from the pad.
@@ -78,9 +79,8 @@ void HandWindow::updateHands()
 {
     std::vector<PlayedHand> hands = handPad->hands();
     const auto& moving = server.player().hands;
-    if (!hands.empty() && !moving.empty()) {
+    if (!hands.empty() && !moving.empty())
         hands[0].tipOffset = moving[0].tipOffset;
-    }
     server.player().hands = hands;
 }
 

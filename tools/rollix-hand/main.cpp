@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <QApplication>
+#include <QIcon>
 
 #include <cstdint>
 #include <iostream>
@@ -11,6 +12,8 @@
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    QApplication::setDesktopFileName("rollix-hand");
+    QApplication::setWindowIcon(QIcon(":/rollix-hand.png"));
 
     CLI::App options(
         "Plays the hand sensor's service, so that Rollix can be steered with the mouse "
