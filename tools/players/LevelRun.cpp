@@ -1,8 +1,8 @@
 #include "LevelRun.h"
 
 #include "Player.h"
-#include "level/BlockCheckpoint.h"
 #include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 
@@ -58,10 +58,10 @@ int coinsOf(const LevelMap& map)
          map.cellsWhere([](const LevelPixel& pixel) { return pixel.value >= firstBodyValue; })) {
         const int saturation = map.pixel(cell).saturation;
         if (map.is(cell, BlockKind::Checkpoint)) {
-            const auto option = BlockCheckpoint::Option::ofSaturation(saturation);
-            if (option.type == BlockCheckpoint::Checkpoint)
+            const auto option = CheckpointOption::ofSaturation(saturation);
+            if (option.type == CheckpointType::Checkpoint)
                 coins += option.coins;
-            else if (option.type == BlockCheckpoint::Goal)
+            else if (option.type == CheckpointType::Goal)
                 bestGoal = std::max(bestGoal, option.coins);
         } else if (map.is(cell, BlockKind::Item)) {
             const ItemOption item = ItemOption::ofSaturation(saturation);

@@ -1,7 +1,8 @@
 #include "Measures.h"
 
 #include "LevelMap.h"
-#include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <random>
@@ -53,12 +54,12 @@ void touchAll(PlayedGame& game, const CellPosition& cell, Prepare prepare, First
     }
 }
 
-std::vector<CellPosition> cellsOf(const LevelMap& map, BlockCheckpoint::Type type)
+std::vector<CellPosition> cellsOf(const LevelMap& map, CheckpointType type)
 {
     return map.cellsWhere([type](const LevelPixel& pixel) {
         return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint &&
                pixel.value >= firstBodyValue &&
-               BlockCheckpoint::Option::ofSaturation(pixel.saturation).type == type;
+               CheckpointOption::ofSaturation(pixel.saturation).type == type;
     });
 }
 
@@ -66,7 +67,7 @@ std::vector<CellPosition> cellsOf(const LevelMap& map, BlockCheckpoint::Type typ
 
 FirstTouch firstTouch(PlayedGame& game, const QImage& picture)
 {
-    const std::vector<CellPosition> starts = cellsOf(LevelMap(picture), BlockCheckpoint::Start);
+    const std::vector<CellPosition> starts = cellsOf(LevelMap(picture), CheckpointType::Start);
     FirstTouch sum;
     if (!starts.empty())
         touchAll(
@@ -78,7 +79,7 @@ FirstTouch touchAfterFalls(PlayedGame& game, const QImage& picture)
 {
     const LevelMap map(picture);
     FirstTouch sum;
-    for (const CellPosition& flag : cellsOf(map, BlockCheckpoint::Checkpoint)) {
+    for (const CellPosition& flag : cellsOf(map, CheckpointType::Checkpoint)) {
         touchAll(
             game, flag,
             [&] {

@@ -1,11 +1,8 @@
 #include "Strategy.h"
 
 #include "Steering.h"
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/TrapOption.h"
-#include "level/BlockCheckpoint.h"
 #include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,13 +25,13 @@ double within(double value, double limit)
     return std::clamp(value, -limit, limit);
 }
 
-std::vector<CellPosition> checkpoints(const LevelMap& map, BlockCheckpoint::Type type)
+std::vector<CellPosition> checkpoints(const LevelMap& map, CheckpointType type)
 {
     return map.cellsWhere([type](const LevelPixel& pixel) {
         if (blockKindOfHue(pixel.hue) != BlockKind::Checkpoint || pixel.value < firstBodyValue)
             return false;
-        const auto option = BlockCheckpoint::Option::ofSaturation(pixel.saturation);
-        return option.type == type && (type != BlockCheckpoint::Checkpoint || option.required);
+        const auto option = CheckpointOption::ofSaturation(pixel.saturation);
+        return option.type == type && (type != CheckpointType::Checkpoint || option.required);
     });
 }
 
@@ -50,8 +47,8 @@ Strategy::Strategy(const LevelMap& levelMap, const Temper& playersTemper)
     : map(levelMap),
       temper(playersTemper),
       finder(map, temper.caution),
-      flags(checkpoints(map, BlockCheckpoint::Checkpoint)),
-      goals(checkpoints(map, BlockCheckpoint::Goal))
+      flags(checkpoints(map, CheckpointType::Checkpoint)),
+      goals(checkpoints(map, CheckpointType::Goal))
 {
 }
 
@@ -131,9 +128,9 @@ bool Strategy::waitsForButton(const LevelSight& sight, const CellPosition& cell)
 {
     const int saturation = map.pixel(cell).saturation;
     if (map.is(cell, BlockKind::Ghost))
-        return BlockGhost::Rhythm::ofSaturation(saturation).period == 0.0 && !sight.isSolid(cell);
+        return GhostOption::ofSaturation(saturation).period == 0.0 && !sight.isSolid(cell);
     return map.is(cell, BlockKind::Elevator) &&
-           !BlockElevator::Way::ofSaturation(saturation).automatic && !sight.moves(cell);
+           !ElevatorOption::ofSaturation(saturation).automatic && !sight.moves(cell);
 }
 
 Way Strategy::openPart(const LevelSight& sight, const Way& way) const
@@ -160,7 +157,7 @@ bool Strategy::mayEnterGhost(const LevelSight& sight, const Way& way, std::size_
     const CellPosition& to = way[step];
     if (!sight.isSolid(to))
         return false;
-    const double period = BlockGhost::Rhythm::ofSaturation(map.pixel(to).saturation).period;
+    const double period = GhostOption::ofSaturation(map.pixel(to).saturation).period;
     // Once on a bridge, on and away.
     if (period == 0.0 || map.is(way[step - 1], BlockKind::Ghost))
         return true;
@@ -183,7 +180,7 @@ bool Strategy::mayUseElevator(const LevelSight& sight, const CellPosition& from,
     if (map.is(from, BlockKind::Elevator) || !map.is(to, BlockKind::Elevator))
         return true;
     // In time before it leaves again.
-    return !BlockElevator::Way::ofSaturation(map.pixel(to).saturation).automatic ||
+    return !ElevatorOption::ofSaturation(map.pixel(to).saturation).automatic ||
            sight.ticksAtRest(to) + sight.delay() < freshRest;
 }
 

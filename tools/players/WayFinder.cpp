@@ -1,7 +1,6 @@
 #include "WayFinder.h"
 
-#include "blocks/TrapOption.h"
-#include "level/BlockButton.h"
+#include "level/BlockOptions.h"
 
 #include <queue>
 
@@ -62,7 +61,7 @@ double WayFinder::costOf(const CellPosition& from, const CellPosition& to) const
     if (map.isTrapdoor(to))
         cost += trapdoorCost;
     if (map.is(to, BlockKind::Button) &&
-        BlockButton::Behaviour::ofSaturation(map.pixel(to).saturation).mode == BlockButton::Toggle)
+        ButtonOption::ofSaturation(map.pixel(to).saturation).mode == ButtonMode::Toggle)
         cost += toggleCost;
     if (directionOf(from, to) != leap && !map.rolls(from, to, 0.05))
         cost += dropCost + (map.isSpring(to) ? springCost : 0.0);
