@@ -98,7 +98,10 @@ void TextHUD::build()
     drawable->setPosition(osg::Vec3(x, y, 0));
     drawable->setColor(color);
     drawable->setAlignment(alignment);
-    fitIntoWindow(*drawable);
+    // The lines of a menu tell by their sizes which of them is chosen: only who stands alone
+    // shrinks.
+    if (!inContainer)
+        fitIntoWindow(*drawable);
 }
 
 void TextHUD::fitIntoWindow(osgText::Text& drawable) const
@@ -106,7 +109,7 @@ void TextHUD::fitIntoWindow(osgText::Text& drawable) const
     const osg::Vec3& anchor = drawable.getPosition();
     float size = characterSize;
     while (size > smallestSize) {
-        osg::BoundingBox bounds = drawable.getBoundingBox();
+        const osg::BoundingBox bounds = drawable.getBoundingBox();
         const float share =
             std::min(roomAround(anchor.x(), bounds.xMin(), bounds.xMax(), float(getWidth())),
                      roomAround(anchor.y(), bounds.yMin(), bounds.yMax(), float(getHeight())));

@@ -10,8 +10,8 @@
 
 class ShaderProgram;
 
-/// One line of text with a white outline. A line that would cross an edge of the window is drawn
-/// smaller than its size, until it fits.
+/// One line of text with a white outline. A line that stands alone and would cross an edge of the
+/// window is drawn smaller than its size, until it fits.
 class TextHUD : public AbstractHUD
 {
 public:

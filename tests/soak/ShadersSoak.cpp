@@ -1,7 +1,7 @@
+#include "FrameGrab.h"
 #include "game/Rollix.h"
 #include "level/Level.h"
 #include "soak/Soak.h"
-#include "support/FrameGrab.h"
 #include "support/GameTest.h"
 #include "support/OutputCapture.h"
 

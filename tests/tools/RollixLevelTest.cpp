@@ -16,13 +16,12 @@ protected:
     /// Runs it to its end, in a folder with the game's data/.
     void runs(const QStringList& arguments)
     {
-        program.setProcessChannelMode(QProcess::MergedChannels);
         program.setProcessEnvironment(environment);
         program.setWorkingDirectory(workplace);
         program.start(ROLLIX_LEVEL_PROGRAM, arguments);
         ASSERT_TRUE(program.waitForFinished(60000));
         ASSERT_EQ(program.exitStatus(), QProcess::NormalExit);
-        output = program.readAll().toStdString();
+        output = program.readAllStandardOutput().toStdString();
     }
 
     void hasNoDisplay()

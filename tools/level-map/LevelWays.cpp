@@ -130,11 +130,12 @@ LevelWays::Flood LevelWays::flood(const CellPosition& from) const
     const int begin = indexOf({from, false});
     enter(begin, {begin, Move::Roll}, 0);
     while (!open.empty()) {
-        const auto [effort, here] = open.top();
+        const int effort = open.top().first;
+        const int here = open.top().second;
         open.pop();
         if (effort > efforts[std::size_t(here)])
             continue;
-        spread(placeAt(here), [&, here = here, effort = effort](const Place& place, Move by) {
+        spread(placeAt(here), [&](const Place& place, Move by) {
             const bool isFeat = by != Move::Roll && by != Move::Portal;
             enter(indexOf(place), {here, by}, effort + (isFeat ? featEffort : 1));
         });

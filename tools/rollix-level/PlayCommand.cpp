@@ -2,6 +2,7 @@
 
 #include "GameFolder.h"
 #include "PlayReport.h"
+#include "base/DataFolder.h"
 
 #include <CLI/CLI.hpp>
 #include <QDir>
@@ -17,7 +18,7 @@ constexpr double fastestEyes = 0.16;  // seconds
 
 int play(PlayWish& wish)
 {
-    const QDir home = QDir::current();
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     if (!GameFolder(home).isFilled()) {
         std::cout << home.filePath("data").toStdString()
                   << ": the game's files are not here; start me in the folder that holds data/"

@@ -2,6 +2,7 @@
 
 #include "GameFolder.h"
 #include "LevelReport.h"
+#include "base/DataFolder.h"
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
@@ -115,7 +116,7 @@ private:
 int play(const std::string& picture)
 {
     const QString file = QFileInfo(QString::fromStdString(picture)).absoluteFilePath();
-    const QDir home = QDir::current();
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     const GameFolder folder(home);
     if (QImage(file).isNull())
         return refuse(picture + ": this is no picture that I can read");

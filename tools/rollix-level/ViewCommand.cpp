@@ -2,6 +2,7 @@
 
 #include "FrameGrab.h"
 #include "GameWorld.h"
+#include "base/DataFolder.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -113,7 +114,7 @@ int takePicture(const Wish& wish)
     const QImage level(QString::fromStdString(wish.level));
     if (level.isNull())
         return refuse(wish.level + ": this is no picture that I can read");
-    const QDir home = QDir::current();
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     if (!GameFolder(home).isFilled())
         return refuse(home.filePath("data").toStdString() +
                       ": the game's files are not here; start me in the folder that holds data/");
