@@ -29,6 +29,8 @@ const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
 constexpr float plungerRadius = 0.4f;
 constexpr float plungerIn = 0.3f;
 constexpr float plungerOut = 1.0f;
+const osg::Vec4f plungerLacquer(0.66f, 0.70f, 0.76f,
+                                0.85f);  // like steel, for it must not be missed
 
 constexpr float discHeight = 0.01f;
 const osg::Vec4f black(0.0f, 0.0f, 0.0f, 1.0f);
@@ -213,7 +215,9 @@ void BlockTrap::createSpring()
     level->board->addContactShape(this, id);
     cylinder = new osg::Cylinder(osg::Vec3f(0.0f, 0.0f, surfaceHeight()), plungerRadius, plungerIn);
     shapeDrawable = new osg::ShapeDrawable(cylinder);
-    addWoodenDecoration(shapeDrawable);
+    addWoodenDecoration(shapeDrawable)
+        ->getOrCreateStateSet()
+        ->addUniform(new osg::Uniform("a_Lacquer", plungerLacquer));
 }
 
 void BlockTrap::setPlungerHeight(float plungerHeight)

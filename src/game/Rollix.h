@@ -5,7 +5,6 @@
 #include "shaders/ShaderProgram.h"
 
 #include <QPointer>
-
 #include <osg/Texture2D>
 
 #include <memory>

@@ -54,10 +54,9 @@ void BoardLook::setUpShadeMap(osg::StateSet& rootState)
 void BoardLook::findBlocks(const Relief& relief)
 {
     for (int row = 0; row < relief.rowCount(); ++row) {
-        for (int column = 0; column < relief.columnCount(); ++column) {
+        for (int column = 0; column < relief.columnCount(); ++column)
             if (relief.at(column, row).filled)
                 field.setTop(column, row, relief.at(column, row).top);
-        }
     }
     for (const osg::ref_ptr<Block>& block : level.board->getBlocks()) {
         if (!block->hovering().empty())

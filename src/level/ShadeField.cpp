@@ -17,7 +17,8 @@ constexpr float diagonal = 0.70710678f;
 constexpr float directions[8][2] = {
     {1, 0},  {diagonal, diagonal},   {0, 1},  {-diagonal, diagonal},
     {-1, 0}, {-diagonal, -diagonal}, {0, -1}, {diagonal, -diagonal}};
-constexpr float distances[] = {0.12f, 0.34f, 0.75f};
+constexpr float distances[] = {0.07f, 0.21f, 0.35f, 0.5f, 0.65f, 0.8f};
+constexpr float sightRange = 0.95f;   // further things hide nothing, and near ones gradually less
 constexpr float pitOpenness = 0.45f;  // of what is seen of the sky from the bottom of a pit
 
 constexpr float hoverBlur = 0.09f;  // units, at the thing itself, and more for each unit away
@@ -99,10 +100,9 @@ void ShadeField::change(int column, int row, const Cell& next)
         return;
     known = next;
     highestTop = std::max(highestTop, next.top.highest());
-    for (int y = row - 1; y <= row + 1; ++y) {
+    for (int y = row - 1; y <= row + 1; ++y)
         for (int x = column - 1; x <= column + 1; ++x)
             staleOpenness[indexOf(x, y)] = true;
-    }
     staleRows = rows + 2;
 }
 
@@ -184,13 +184,17 @@ float ShadeField::openness(int column, int row, float u, float v) const
     const float y = float(row) + v;
     float hidden = 0.0f;
     for (const auto& direction : directions) {
-        float steepest = 0.0f;
+        float most = 0.0f;
         for (const float distance : distances) {
             const float over =
                 heightAt(x + direction[0] * distance, y + direction[1] * distance) - height;
-            steepest = std::max(steepest, over / distance);
+            if (over <= 0.0f)
+                continue;
+            const float sine = over / std::sqrt(over * over + distance * distance);
+            const float part = distance / sightRange;
+            most = std::max(most, sine * (1.0f - part * part));
         }
-        hidden += steepest / std::sqrt(1.0f + steepest * steepest);
+        hidden += most;
     }
     const float open = 1.0f - hidden / float(std::size(directions));
     return own.hole && !isOutside(column, row) ? open * pitOpenness : open;

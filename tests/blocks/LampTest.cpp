@@ -21,10 +21,9 @@ protected:
     {
         const QImage spot = cutout(picture, pixelOf(onBoard * boardPose()), 2);
         double sum = 0.0;
-        for (int y = 0; y < spot.height(); ++y) {
+        for (int y = 0; y < spot.height(); ++y)
             for (int x = 0; x < spot.width(); ++x)
                 sum += qGray(spot.pixel(x, y));
-        }
         return sum / (spot.width() * spot.height());
     }
 

@@ -25,10 +25,9 @@ class ReliefTest : public ::testing::Test
 protected:
     ReliefTest()
     {
-        for (int row = 0; row < 3; ++row) {
+        for (int row = 0; row < 3; ++row)
             for (int column = 0; column < 3; ++column)
                 relief.set(column, row, block(flat(0.5f)));
-        }
     }
 
     Relief relief = Relief(3, 3);

@@ -23,10 +23,9 @@ class ShadeFieldTest : public ::testing::Test
 protected:
     ShadeFieldTest()
     {
-        for (int row = 0; row < rows; ++row) {
+        for (int row = 0; row < rows; ++row)
             for (int column = 0; column < columns; ++column)
                 field.setTop(column, row, flat(floorHeight));
-        }
         field.setTop(3, 2, flat(wallHeight));
     }
 
