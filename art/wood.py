@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Paints the grain of the board's wood, as seen on a cut along the log: data/Rollix/wood.png.
 
-One channel: 0 is the pale wood of spring, 255 the darkest line of autumn. The picture is repeated by
-mirroring, so its borders need not meet. Lengths are in units of the board, one unit a cell.
+One channel: 0 is the pale wood of spring, 255 the darkest line of autumn. Shaders mirror the
+board's cells at its borders, so these need not meet. Lengths are in units of the board, one unit a cell.
 """
 
 import math

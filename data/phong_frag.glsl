@@ -22,22 +22,27 @@ vec3 phongNormal()
 }
 
 // The colour of a surface that gets a part of the light only: shade is what is left of the lamp and of the
-// sky, each 0 to 1. gloss is the strength of the highlight, 0 to 1, and shininess the Blinn-Phong exponent
-// that says how small it is.
-vec3 shaded(vec3 surface, vec3 normal, vec3 toLight, vec2 shade, float gloss, float shininess)
+// sky, each 0 to 1. Its normal comes as its cosines to up, to the lamp and to halfway between lamp and eye.
+// gloss is the strength of the highlight, 0 to 1, and shininess the Blinn-Phong exponent that says how small
+// it is.
+vec3 lit(vec3 surface, float upward, float facing, float aligned, vec2 shade, float gloss, float shininess)
 {
-    vec3 toEye = normalize(-eyePosition);
-    vec3 up = osg_ViewMatrix[2].xyz;
-
-    vec3 ambient = shade.y * mix(groundLight, skyLight, 0.5 + 0.5 * dot(normal, up));
+    vec3 ambient = shade.y * mix(groundLight, skyLight, 0.5 + 0.5 * upward);
     // Light that comes off other faces does not get into corners, either.
     float lamp = shade.x * mix(cornerLight, 1.0, shade.y);
-    float diffuse = lamp * max(dot(normal, toLight), 0.0);
     // Schlick's fraction falls off like the power with this exponent and costs a division.
-    float aligned = max(dot(normal, normalize(toLight + toEye)), 0.0);
-    float highlight = lamp * aligned / (shininess - shininess * aligned + aligned);
+    float near = max(aligned, 0.0);
+    float highlight = near / (shininess - shininess * near + near);
 
-    return surface * (ambient + lampLight * diffuse) + lampLight * (gloss * highlight);
+    return surface * (ambient + lampLight * (lamp * max(facing, 0.0))) + lampLight * (gloss * lamp * highlight);
+}
+
+// The same by its normal and the way to the lamp, both of length 1.
+vec3 shaded(vec3 surface, vec3 normal, vec3 toLight, vec2 shade, float gloss, float shininess)
+{
+    vec3 middle = normalize(toLight + normalize(-eyePosition));
+    return lit(surface, dot(normal, osg_ViewMatrix[2].xyz), dot(normal, toLight), dot(normal, middle), shade,
+               gloss, shininess);
 }
 
 // The colour of a surface in full light.

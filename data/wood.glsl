@@ -3,19 +3,22 @@
 // light and shadow is worked out by the game cell by cell, in the shade map, and looked up here.
 
 in vec3 boardPosition;
+in vec3 boardPlace;
 in vec3 boardNormal;
 in vec2 woodPlace;
 in vec2 shadePlace;
 in vec3 inCell;
+in vec3 toLamp;
+in vec3 halfway;
+in vec3 toBall;
 flat in vec4 openEdges;
 flat in vec3 uphill;
 flat in float upright;
-flat in vec3 eyeBall;
-flat in mat3 boardToEye;
 
 uniform sampler2D a_WoodGrain;  // how dark the grain is, 0 between rings to 1 in a ring's late wood
 uniform sampler2D a_ShadeMap;   // a cell's depth of shadow, openness, height; what coins leave of the lamp
 uniform vec4 a_Lacquer;         // a colour over the wood, and how much of it
+uniform vec3 a_UpOnBoard;       // what is up in the world, board coordinates
 
 // The stains: a floor is pale, and every half unit of height is a shade darker, so that steps are seen
 // from straight above as well; upright faces are darker than any top beside them.
@@ -81,14 +84,21 @@ vec3 woodColor(float grain)
     return stain * mix(vec3(1.0), sideStain, upright) * (1.0 - grainContrast * grain);
 }
 
-// A face's normal, leaning outward where its block ends in the open.
-vec3 bevelled(vec3 faceNormal)
+// In board coordinates. A quad whose first edge has no length was given a normal of length zero by the cross
+// product that made it; the face itself still knows how it lies.
+vec3 faceNormal()
+{
+    vec3 face = cross(dFdx(boardPlace), dFdy(boardPlace));
+    return dot(boardNormal, boardNormal) > 1.0e-8 ? boardNormal : face * inversesqrt(dot(face, face));
+}
+
+// That normal, leaning outward where its block ends in the open.
+vec3 bevelled(vec3 normal)
 {
     vec4 toEdge = vec4(0.5 - inCell.xy, 0.5 + inCell.xy);
     vec4 lean = openEdges * clamp(1.0 - toEdge / bevelWidth, 0.0, 1.0);
     float up = clamp(1.0 - inCell.z / bevelWidth, 0.0, 1.0);
-    vec3 outward = vec3(lean.xy - lean.zw, up * upright);
-    return normalize(faceNormal + bevelSlant * (boardToEye * outward));
+    return normalize(normal + bevelSlant * vec3(lean.xy - lean.zw, up * upright));
 }
 
 // What is left of the lamp and of the sky, by all that stands on the board and all that hovers over it.
@@ -103,17 +113,29 @@ vec2 shadeOfBoard()
     return vec2(lamp, open);
 }
 
-// The same by the ball.
-vec2 shadeOfBall(vec3 eyePlace, vec3 normal, vec3 toLight)
+// The same by the ball. Without roots, which are dear: the shadow's edge is soft in the square of the way
+// to its middle.
+vec2 shadeOfBall(vec3 normal)
 {
-    vec3 toBall = eyeBall - eyePlace;
     float distanceSquared = dot(toBall, toBall);
-    float along = dot(toBall, toLight);
-    float aside = sqrt(max(distanceSquared - along * along, 0.0));
-    float blur = ballBlur + ballSpread * max(along, 0.0);
-    float shadow = step(0.0, along) * (1.0 - smoothstep(ballRadius - blur, ballRadius + blur, aside));
+    float along = dot(toBall, toLamp);
+    float asideSquared = distanceSquared - along * along;
+    float blur = min(ballBlur + ballSpread * max(along, 0.0), ballRadius);
+    float inner = ballRadius - blur;
+    float shadow = step(0.0, along)
+                   * (1.0 - smoothstep(inner * inner, (ballRadius + blur) * (ballRadius + blur), asideSquared));
     // The part of the sky that a ball hides from a face that it stands over.
-    float hidden = ballRadius * ballRadius * max(dot(toBall, normal), 0.0)
-                   * inversesqrt(distanceSquared) / distanceSquared;
-    return vec2(1.0 - shadow, 1.0 - clamp(hidden, 0.0, 1.0));
+    float near = ballRadius / distanceSquared;
+    float hidden = ballRadius * near * near * max(dot(toBall, normal), 0.0);
+    return vec2(1.0 - shadow, 1.0 - min(hidden, 1.0));
+}
+
+// Of phong_frag.glsl, which stands further down.
+vec3 lit(vec3 surface, float upward, float facing, float aligned, vec2 shade, float gloss, float shininess);
+
+vec3 litWood(vec3 surface, vec3 normal, float gloss)
+{
+    vec2 shade = shadeOfBoard() * shadeOfBall(normal);
+    return lit(surface, dot(normal, a_UpOnBoard), dot(normal, toLamp), dot(normal, halfway), shade, gloss,
+               woodShininess);
 }

@@ -6,10 +6,7 @@
 void main()
 {
     //HOTSPOT_START_MAIN
-    vec3 normal = bevelled(phongNormal());
-    vec3 toLight = normalize(eyeToLight);
-    vec2 shade = shadeOfBoard() * shadeOfBall(eyePosition, normal, toLight);
     float grain = woodGrain();
     float gloss = woodGloss * (1.0 - 0.6 * grain);
-    gl_FragColor = vec4(shaded(woodColor(grain), normal, toLight, shade, gloss, woodShininess), 1.0);
+    gl_FragColor = vec4(litWood(woodColor(grain), bevelled(faceNormal()), gloss), 1.0);
 }

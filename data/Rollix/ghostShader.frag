@@ -22,7 +22,7 @@ void main()
 {
     //HOTSPOT_START_MAIN
     float pixelSize = length(fwidth(boardPosition));
-    vec3 normal = phongNormal();
+    vec3 normal = faceNormal();
     // Faces turned away would be mixed in or not by the order of drawing.
     if (!gl_FrontFacing)
         discard;
@@ -50,10 +50,7 @@ void main()
     float grain = woodGrain();
     vec3 wood = woodColor(grain);
     wood = mix(wood, vec3(max(wood.r, 0.5) * (1.0 - 0.3 * grain)), bleached) * ghostTint;
-    vec3 toLight = normalize(eyeToLight);
-    normal = bevelled(normal);
-    vec2 shade = shadeOfBoard() * shadeOfBall(eyePosition, normal, toLight);
-    vec3 color = shaded(wood, normal, toLight, shade, woodGloss, woodShininess);
+    vec3 color = litWood(wood, bevelled(normal), woodGloss);
     color += edgeGlow * 0.16 * outline;
     if (solid < 1.0)
         color = mix(edgeGlow, color, smoothstep(0.0, edgeWidth, left));

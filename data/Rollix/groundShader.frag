@@ -14,7 +14,7 @@ uniform vec2 a_CoverSize;        // of that picture, in units
 const vec3 skyColor = vec3(0.2, 0.2, 0.6);
 const float halfGround = 15.0;    // units
 const float fadeWidth = 2.5;      // of its edge, units
-const vec2 grainSize = vec2(0.035, 0.07);
+const float grainSize = 0.033;  // pictures a unit: one covers all
 const float grainStrength = 0.45;
 const float shadowStrength = 0.62;
 const float lampShare = 1.25;     // what the ground shows of its colour in full light
@@ -22,7 +22,7 @@ const float lampShare = 1.25;     // what the ground shows of its colour in full
 void main()
 {
     //HOTSPOT_START_MAIN
-    float grain = texture(a_WoodGrain, groundPlace * grainSize).r - 0.25;
+    float grain = texture(a_WoodGrain, groundPlace * grainSize + 0.5).r - 0.25;
     float cover = texture(a_BoardCover, shadowPlace.xy / (shadowPlace.z * a_CoverSize) + 0.5).r;
     vec3 color = groundColor * lampShare * (1.0 - grainStrength * grain) * (1.0 - shadowStrength * cover);
     vec2 toEdge = halfGround - abs(groundPlace);

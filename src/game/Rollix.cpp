@@ -231,8 +231,8 @@ osg::Texture2D* Rollix::sharedTexture(const std::string& file)
     if (!picture)
         reportUnreadable("image", file, "Imagine the grain.");
     texture = new osg::Texture2D(picture);
-    texture->setWrap(osg::Texture::WRAP_S, osg::Texture::MIRROR);
-    texture->setWrap(osg::Texture::WRAP_T, osg::Texture::MIRROR);
+    texture->setWrap(osg::Texture::WRAP_S, osg::Texture::CLAMP_TO_EDGE);
+    texture->setWrap(osg::Texture::WRAP_T, osg::Texture::CLAMP_TO_EDGE);
     return texture;
 }
 

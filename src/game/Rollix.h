@@ -42,7 +42,7 @@ public:
     /// Gives `program` the shared stages of a program's recipe.
     void setSharedStages(ShaderProgram& program, const std::string& programName);
 
-    /// The picture that all levels share, read at its first use; repeated by mirroring.
+    /// The picture that all levels share, read at its first use; its borders run on.
     osg::Texture2D* sharedTexture(const std::string& file);
 
     /// The lamp's place in the world, "a_LightPos" to shaders.

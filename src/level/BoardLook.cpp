@@ -8,13 +8,22 @@
 #include "level/Relief.h"
 
 #include <osg/Texture2D>
+#include <osgUtil/CullVisitor>
 
+#include <cmath>
 #include <cstring>
 
 namespace {
 
 constexpr unsigned int grainUnit = 0;
 constexpr unsigned int shadeUnit = 1;
+constexpr int grainCells = 23;  // that its picture covers, as boardShader.vert knows
+
+/// Puts the board's middle, counted with the shade map's ring, on the middle of the picture.
+float grainOriginFor(int cells)
+{
+    return std::floor(0.5f * float(grainCells - cells)) - 1.0f;
+}
 
 }  // namespace
 
@@ -25,8 +34,17 @@ BoardLook::BoardLook(Level& owner, const Relief& relief, osg::StateSet& rootStat
     rootState.addUniform(new osg::Uniform("a_WoodGrain", int(grainUnit)));
     rootState.addUniform(new osg::Uniform("a_OpenEdges", osg::Vec4f()));
     rootState.addUniform(new osg::Uniform("a_Lacquer", osg::Vec4f()));
-    ballPlace = new osg::Uniform("a_BallPosition", osg::Vec3f());
-    rootState.addUniform(ballPlace);
+    eyeToBoard = new osg::Uniform("a_EyeToBoard", osg::Matrixf());
+    rootState.addUniform(eyeToBoard);
+    lampOnBoard = new osg::Uniform("a_LampOnBoard", osg::Vec3f());
+    rootState.addUniform(lampOnBoard);
+    upOnBoard = new osg::Uniform("a_UpOnBoard", osg::Vec3f());
+    rootState.addUniform(upOnBoard);
+    ballOnBoard = new osg::Uniform("a_BallOnBoard", osg::Vec3f());
+    rootState.addUniform(ballOnBoard);
+    rootState.addUniform(
+        new osg::Uniform("a_GrainOrigin", osg::Vec2f(grainOriginFor(relief.columnCount()),
+                                                     grainOriginFor(relief.rowCount()))));
     setUpShadeMap(rootState);
     rootState.addUniform(
         new osg::Uniform("a_ShadeOrigin", osg::Vec2f(0.5f * float(relief.columnCount()) + 1.0f,
@@ -88,18 +106,23 @@ void BoardLook::lookAtBlocks()
     field.setHovering(things);
 }
 
-osg::Vec3f BoardLook::lampOverBoard() const
+void BoardLook::setPlaces(const osg::Matrixd& worldToView)
 {
-    return osg::Vec3d(Rollix::lightPosition) * level.board->getTransform()->getInverseMatrix();
+    const osg::Matrixd worldToBoard = level.board->getTransform()->getInverseMatrix();
+    lamp = osg::Vec3d(Rollix::lightPosition) * worldToBoard;
+    lampOnBoard->set(lamp);
+    upOnBoard->set(osg::Vec3f(osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), worldToBoard)));
+    ballOnBoard->set(osg::Vec3f(level.ball->getTransform()->getMatrix().getTrans() * worldToBoard));
+    eyeToBoard->set(osg::Matrixf(osg::Matrixd::inverse(worldToView) * worldToBoard));
 }
 
 void BoardLook::operator()(osg::Node* node, osg::NodeVisitor* visitor)
 {
-    ballPlace->set(osg::Vec3f(level.ball->getTransform()->getMatrix().getTrans()));
+    setPlaces(*visitor->asCullVisitor()->getModelViewMatrix());
     lookAtBlocks();
     bool changed = false;
     // A level is not to be seen without its shadows.
-    while (field.update(lampOverBoard())) {
+    while (field.update(lamp)) {
         changed = true;
         if (seen)
             break;

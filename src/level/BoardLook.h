@@ -37,13 +37,17 @@ private:
     void setUpShadeMap(osg::StateSet& rootState);
     void findBlocks(const Relief& relief);
     void lookAtBlocks();
-    osg::Vec3f lampOverBoard() const;
+    void setPlaces(const osg::Matrixd& worldToView);
 
     Level& level;
     ShadeField field;
     std::vector<Standing> dynamicBlocks;
     std::vector<Block*> hovering;
     osg::ref_ptr<osg::Image> shadeMap;
-    osg::ref_ptr<osg::Uniform> ballPlace;
+    osg::ref_ptr<osg::Uniform> eyeToBoard;
+    osg::ref_ptr<osg::Uniform> lampOnBoard;
+    osg::ref_ptr<osg::Uniform> upOnBoard;
+    osg::ref_ptr<osg::Uniform> ballOnBoard;
+    osg::Vec3f lamp;  // in board coordinates
     bool seen = false;
 };

@@ -15,6 +15,7 @@ const osg::Vec3f up(0.0f, 0.0f, 1.0f);
 const osg::Vec3f drawnSize(30.0f, 30.0f, 0.1f);
 const osg::Vec4f darkGrey(0.2f, 0.2f, 0.2f, 1.0f);
 constexpr unsigned int grainUnit = 0;
+constexpr int behindAll = 2;  // bin: drawn after all that is solid, it costs only where it is seen
 
 }  // namespace
 
@@ -40,6 +41,7 @@ void Ground::createShader()
     osg::StateSet* stateSet = geode->getOrCreateStateSet();
     stateSet->setTextureAttribute(grainUnit, game()->sharedTexture("data/Rollix/wood.png"));
     stateSet->addUniform(new osg::Uniform("a_WoodGrain", int(grainUnit)));
+    stateSet->setRenderBinDetails(behindAll, "RenderBin");
 }
 
 void Ground::catchShadow(const Board& board, const Relief& relief)
