@@ -1,14 +1,14 @@
+#include "program/ProgramFolder.h"
 #include "program/ProgramWindow.h"
+#include "program/Sight.h"
 #include "support/LevelPicture.h"
 #ifdef LEAP_IS_OWN
 #include "support/SensorService.h"
 #endif
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
-#include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
 
@@ -36,26 +36,6 @@ protected:
             program.kill();
             program.waitForFinished();
         }
-    }
-
-    /// Links all run-time files into the folder, but for those that shall be missing.
-    void brings(const QStringList& missing = {})
-    {
-        const QDir source(QString(ROLLIX_SOURCE_DIR) + "/data");
-        const QDir target(folder.path());
-        target.mkpath("data/Rollix");
-        for (const QString& part : {QString(), QString("Rollix/")}) {
-            for (const QFileInfo& file : QDir(source.filePath(part)).entryInfoList(QDir::Files)) {
-                const QString name = "data/" + part + file.fileName();
-                if (!missing.contains(name) && !file.fileName().startsWith("level"))
-                    QFile::link(file.absoluteFilePath(), target.filePath(name));
-            }
-        }
-    }
-
-    void paints(int number, const LevelPicture& picture)
-    {
-        picture.image().save(folder.filePath(QString("data/Rollix/level%1.png").arg(number)));
     }
 
     /// Starts it and waits for its window.
@@ -129,47 +109,17 @@ protected:
         EXPECT_EQ(program.exitCode(), 0);
     }
 
-    QTemporaryDir folder;
+    ProgramFolder folder;
     QProcess program;
     ProgramWindow window;
     QByteArray output;
 };
 
-struct Sight
-{
-    int wood = 0;
-    int red = 0;
-    int sky = 0;
-    double redX = 0.0;  // middle of the red, pixels
-};
-
-Sight lookAt(const QImage& image)
-{
-    Sight sight;
-    // The hearts of the score are red too; they stand above.
-    for (int y = image.height() / 10; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb pixel = image.pixel(x, y);
-            if (qRed(pixel) > 90 && qGreen(pixel) < 50 && qBlue(pixel) < 50) {
-                ++sight.red;
-                sight.redX += x;
-            } else if (qRed(pixel) > qGreen(pixel) + 15 && qGreen(pixel) > qBlue(pixel) + 15) {
-                ++sight.wood;
-            } else if (qBlue(pixel) == 153 && qRed(pixel) == 51 && qGreen(pixel) == 51) {
-                ++sight.sky;
-            }
-        }
-    }
-    if (sight.red > 0)
-        sight.redX /= sight.red;
-    return sight;
-}
-
 TEST_F(ProgramTest, IsPlayedByKeysAndEndsWhenItsWindowIsClosed)
 {
-    brings();
-    paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
-    paints(1, LevelPicture(5, 5, cells::floor).set(2, 2, cells::start));
+    folder.brings();
+    folder.paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+    folder.paints(1, LevelPicture(5, 5, cells::floor).set(2, 2, cells::start));
     starts();
     Sight sight;
     ASSERT_TRUE(waitsFor([&] {
@@ -216,8 +166,8 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
     SensorService service(behaviour, servicePort);
     service.shows({PlayedHand()});
     service.streams();
-    brings();
-    paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+    folder.brings();
+    folder.paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
     starts();
     Sight sight;
     ASSERT_TRUE(waitsFor([&] {
@@ -241,8 +191,8 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
 
 TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 {
-    brings();
-    paints(0, LevelPicture({"S"}));
+    folder.brings();
+    folder.paints(0, LevelPicture({"S"}));
     starts();
     closes();
     EXPECT_EQ(lines(), (Lines{"reading level data/Rollix/level0.png", noDeviceLine}));
@@ -250,10 +200,10 @@ TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 
 TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 {
-    brings({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
-            "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
+    folder.brings({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
+                   "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
     // Nothing to hit: no sound is asked for.
-    paints(0, LevelPicture(1, 1));
+    folder.paints(0, LevelPicture(1, 1));
     starts();
     for (int i = 2; i <= 4; ++i) {
         window.types("r");

@@ -17,7 +17,7 @@ constexpr int mostMessages = 1000;
 SensorServer::SensorServer(const Behaviour& behaviour_, QObject* parent)
     : QObject(parent),
       behaviour(behaviour_),
-      handPlayer(behaviour_.framesPerSecond),
+      handPlayer(behaviour_.framesPerSecond, behaviour_.pace),
       server(new QWebSocketServer(QStringLiteral("sensor"), QWebSocketServer::NonSecureMode, this)),
       timer(this)
 {
@@ -58,6 +58,7 @@ QString SensorServer::errorString() const
 
 void SensorServer::sendFrame()
 {
+    emit frameDue();
     PlayedFrame frame = handPlayer.nextFrame();
     frame.tellsGestures = false;
     const QByteArray plain = frameMessage(frame);

@@ -24,6 +24,8 @@ public:
         /// Tells its gestures to clients that ask for them, as older services do. Newer ones do
         /// not, and their clients have only the moving finger to go by.
         bool recognizesGestures = true;
+        /// Of the player's finger.
+        double pace = 1.0;
         bool greets = true;
         /// Off, every client gets the frames, whatever window is active.
         bool mindsFocus = true;
@@ -57,6 +59,8 @@ public:
 
 signals:
     void clientsChanged();
+    /// The last moment to say what the hands do in the next frame.
+    void frameDue();
     void frameSent();
 
 private:

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "PadHand.h"
+
+#include <vector>
+
+struct _SDL_GameController;
+union SDL_Event;
+
+/// All gamepads that are plugged in, now or later, whatever window has the focus. The one that was
+/// touched last counts. Main thread.
+class Gamepads
+{
+public:
+    enum class Press { Tap, CircleOn, CircleBack };
+
+    Gamepads();
+    ~Gamepads();
+    Gamepads(const Gamepads&) = delete;
+    Gamepads& operator=(const Gamepads&) = delete;
+
+    /// Takes in what has happened since the last poll.
+    void poll();
+
+    /// How the pad that counts is held; a pad at rest when there is none.
+    const PadState& state() const { return held; }
+    /// Buttons that came down in the last poll, in order.
+    const std::vector<Press>& presses() const { return pressed; }
+    /// Whether the last poll took away the pad that counts.
+    bool hasLostPad() const { return lost; }
+
+private:
+    void serve(const SDL_Event& event);
+    void press(int button);
+    void open(int device);
+    void close(int id);
+    _SDL_GameController* find(int id) const;
+    static PadState stateOf(_SDL_GameController* pad);
+
+    std::vector<_SDL_GameController*> pads;
+    _SDL_GameController* current = nullptr;
+    PadState held;
+    std::vector<Press> pressed;
+    bool lost = false;
+};
