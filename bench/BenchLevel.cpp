@@ -1,8 +1,8 @@
 #include "BenchLevel.h"
 
 #include "game/Rollix.h"
-#include "support/GameWorld.h"
 #include "support/LevelPicture.h"
+#include "support/SharedWorld.h"
 
 #include <initializer_list>
 #include <vector>
@@ -105,7 +105,7 @@ QImage benchLevel(int argument)
 void load(const QImage& picture)
 {
     // Brings the folder that "data" is in: before, it would be the checkout's own.
-    Rollix& game = *GameWorld::instance().game;
+    Rollix& game = *sharedWorld().game;
     picture.save(QString("data/Rollix/level%1.png").arg(levelNumber));
     game.loadLevel(levelNumber);
 }

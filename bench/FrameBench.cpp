@@ -6,7 +6,7 @@
 #include "hud/TextHUD.h"
 #include "level/Ball.h"
 #include "level/Level.h"
-#include "support/GameWorld.h"
+#include "support/SharedWorld.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
@@ -30,12 +30,12 @@ constexpr double millisecondsPerSecond = 1000.0;
 
 OsgViewerWidget& widget()
 {
-    return *GameWorld::instance().widget;
+    return *sharedWorld().widget;
 }
 
 Rollix& game()
 {
-    return *GameWorld::instance().game;
+    return *sharedWorld().game;
 }
 
 /// The next frame of a world that stands still but for its clock, which goes on by a fixed step,

@@ -2,7 +2,7 @@
 #include "BenchLevel.h"
 #include "game/Rollix.h"
 #include "level/Level.h"
-#include "support/GameWorld.h"
+#include "support/SharedWorld.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,7 +12,7 @@ namespace {
 void loadGame(benchmark::State& state)
 {
     load(benchLevel(int(state.range(0))));
-    Rollix& game = *GameWorld::instance().game;
+    Rollix& game = *sharedWorld().game;
     for (auto _ : state)
         game.loadLevel(game.level->number);
     load(benchLevel(trueLevel));

@@ -1,5 +1,5 @@
 #include "BenchLevel.h"
-#include "support/GameWorld.h"
+#include "GameFolder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -37,8 +37,9 @@ bool run(std::string program, std::string argument, rusage& usage)
 /// and system) and the most memory that it held stand beside it.
 void start(benchmark::State& state, const std::string& argument)
 {
-    const GameFolder folder;
-    benchLevel(int(state.range(0))).save("data/Rollix/level0.png");
+    const GameFolder folder{QDir(ROLLIX_SOURCE_DIR)};
+    folder.enter();
+    benchLevel(int(state.range(0))).save(folder.levelPath(0));
     double processor = 0.0;
     double memory = 0.0;
     for (auto _ : state) {

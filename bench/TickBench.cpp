@@ -5,7 +5,7 @@
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/GameWorld.h"
+#include "support/SharedWorld.h"
 
 #include <benchmark/benchmark.h>
 #include <osg/Vec3f>
@@ -54,8 +54,8 @@ public:
     }
 
 private:
-    Rollix& game = *GameWorld::instance().game;
-    OsgViewerWidget& widget = *GameWorld::instance().widget;
+    Rollix& game = *sharedWorld().game;
+    OsgViewerWidget& widget = *sharedWorld().widget;
     unsigned int board = 0;
     int ticks = 0;
 };
@@ -67,7 +67,7 @@ public:
     explicit BareBoard(int level)
     {
         load(benchLevel(level));
-        Rollix& game = *GameWorld::instance().game;
+        Rollix& game = *sharedWorld().game;
         // The queued poses are only taken at the first step.
         game.step(double(game.timeStep()));
         world = std::make_unique<BareWorld>(gameScene());

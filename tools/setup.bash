@@ -8,7 +8,8 @@ build=$root/build/release
 playPackages=(
     ca-certificates cmake g++ ninja-build pkg-config
     libcli11-dev libgl-dev libgl1-mesa-dri libopenal-dev libopenscenegraph-dev
-    libqt5opengl5-dev libqt5websockets5-dev libsdl2-dev libsndfile1-dev libxcb1-dev qtbase5-dev
+    libqt5opengl5-dev libqt5websockets5-dev libsdl2-dev libsndfile1-dev libxcb1-dev
+    nlohmann-json3-dev qtbase5-dev
 )
 testPackages=(
     clang-format-14 faketime git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool

@@ -6,7 +6,7 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
-#include "support/FrameGrab.h"
+#include "support/DifferingPixels.h"
 #include "support/GameTest.h"
 
 #include <osg/FrameStamp>

@@ -4,7 +4,7 @@
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
+#include "support/DifferingPixels.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"
 

@@ -1,13 +1,13 @@
 #include "blocks/BlockPortal.h"
 
 #include "BlockTest.h"
+#include "FrameGrab.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hand/HandCamera.h"
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
 
 #include <osgParticle/ParticleSystem>
 

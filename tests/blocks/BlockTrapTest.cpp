@@ -6,7 +6,7 @@
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
+#include "support/DifferingPixels.h"
 
 #include <osgParticle/ModularEmitter>
 #include <osgParticle/ModularProgram>

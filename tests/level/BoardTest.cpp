@@ -5,7 +5,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "support/ContactReport.h"
-#include "support/FrameGrab.h"
+#include "support/DifferingPixels.h"
 #include "support/GameInside.h"
 #include "support/GameTest.h"
 #include "support/OutputCapture.h"

@@ -3,7 +3,7 @@
 #include "level/Block.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
+#include "support/DifferingPixels.h"
 #include "support/GameTest.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"

@@ -1,8 +1,9 @@
 // The hand's program and the game's, both as they are, played by the mouse of the display.
 
-#include "program/ProgramFolder.h"
+#include "GameFolder.h"
 #include "program/ProgramWindow.h"
 #include "program/Sight.h"
+#include "support/LevelPicture.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -37,7 +38,7 @@ public:
         }
     }
 
-    void starts(const ProgramFolder& folder, const QString& file, const QStringList& arguments = {})
+    void starts(const GameFolder& folder, const QString& file, const QStringList& arguments = {})
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("ALSOFT_DRIVERS", "none");
@@ -72,8 +73,11 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(isPortFree()) << "a sensor service has the port; stop it for this test";
-        folder.brings();
-        folder.paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+        ASSERT_TRUE(folder.isFilled());
+        LevelPicture(11, 11, cells::floor)
+            .set(5, 5, cells::start)
+            .image()
+            .save(folder.levelPath(0));
     }
 
     ~HandProgramTest() override
@@ -156,7 +160,7 @@ protected:
             << before << " to " << sight.redX;
     }
 
-    ProgramFolder folder;
+    const GameFolder folder{QDir(ROLLIX_SOURCE_DIR)};
     Program hand;
     Program game;
     qint64 broughtGame = 0;

@@ -1,4 +1,4 @@
-#include "program/ProgramFolder.h"
+#include "GameFolder.h"
 #include "program/ProgramWindow.h"
 #include "program/Sight.h"
 #include "support/LevelPicture.h"
@@ -6,6 +6,7 @@
 #include "support/SensorService.h"
 #endif
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
@@ -36,6 +37,17 @@ protected:
             program.kill();
             program.waitForFinished();
         }
+    }
+
+    void lacks(const QStringList& names)
+    {
+        for (const QString& name : names)
+            ASSERT_TRUE(QFile::remove(folder.path() + "/" + name)) << name.toStdString();
+    }
+
+    void paints(int number, const LevelPicture& picture)
+    {
+        picture.image().save(folder.levelPath(number));
     }
 
     /// Starts it and waits for its window.
@@ -109,7 +121,7 @@ protected:
         EXPECT_EQ(program.exitCode(), 0);
     }
 
-    ProgramFolder folder;
+    const GameFolder folder{QDir(ROLLIX_SOURCE_DIR)};
     QProcess program;
     ProgramWindow window;
     QByteArray output;
@@ -117,9 +129,8 @@ protected:
 
 TEST_F(ProgramTest, IsPlayedByKeysAndEndsWhenItsWindowIsClosed)
 {
-    folder.brings();
-    folder.paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
-    folder.paints(1, LevelPicture(5, 5, cells::floor).set(2, 2, cells::start));
+    paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+    paints(1, LevelPicture(5, 5, cells::floor).set(2, 2, cells::start));
     starts();
     Sight sight;
     ASSERT_TRUE(waitsFor([&] {
@@ -166,8 +177,7 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
     SensorService service(behaviour, servicePort);
     service.shows({PlayedHand()});
     service.streams();
-    folder.brings();
-    folder.paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
+    paints(0, LevelPicture(11, 11, cells::floor).set(5, 5, cells::start));
     starts();
     Sight sight;
     ASSERT_TRUE(waitsFor([&] {
@@ -191,8 +201,7 @@ TEST_F(ProgramTest, IsPlayedByAHandAndEndsWhenItsWindowIsClosedUnderIt)
 
 TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 {
-    folder.brings();
-    folder.paints(0, LevelPicture({"S"}));
+    paints(0, LevelPicture({"S"}));
     starts();
     closes();
     EXPECT_EQ(lines(), (Lines{"reading level data/Rollix/level0.png", noDeviceLine}));
@@ -200,10 +209,10 @@ TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
 
 TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 {
-    folder.brings({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
-                   "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
+    lacks({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
+           "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
     // Nothing to hit: no sound is asked for.
-    folder.paints(0, LevelPicture(1, 1));
+    paints(0, LevelPicture(1, 1));
     starts();
     for (int i = 2; i <= 4; ++i) {
         window.types("r");
@@ -222,6 +231,7 @@ TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 
 TEST_F(ProgramTest, RunsInAnEmptyFolder)
 {
+    ASSERT_TRUE(QDir(folder.path() + "/data").removeRecursively());
     starts();
     ASSERT_TRUE(says("reading level data/Rollix/level0.png"));
     window.types("r");

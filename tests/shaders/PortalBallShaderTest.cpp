@@ -1,7 +1,7 @@
+#include "FrameGrab.h"
 #include "platform/osgqt/GLWidget.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/ShaderProgram.h"
-#include "support/FrameGrab.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

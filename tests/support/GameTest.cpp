@@ -1,5 +1,6 @@
 #include "support/GameTest.h"
 
+#include "FrameGrab.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -9,9 +10,8 @@
 #include "level/Block.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "support/FrameGrab.h"
-#include "support/GameWorld.h"
 #include "support/SceneSearch.h"
+#include "support/SharedWorld.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -31,13 +31,13 @@ const QSize undrawnSize(40, 30);
 /// What the one window of the process has drawn.
 FrameGrab& grab()
 {
-    static auto* const theGrab = new FrameGrab(GameWorld::instance().game->getCamera());
+    static auto* const theGrab = new FrameGrab(sharedWorld().game->getCamera());
     return *theGrab;
 }
 
 }  // namespace
 
-GameTest::GameTest() : game(*GameWorld::instance().game), widget(*GameWorld::instance().widget)
+GameTest::GameTest() : game(*sharedWorld().game), widget(*sharedWorld().widget)
 {
     grab();
     draws(false);
@@ -70,7 +70,7 @@ void GameTest::writes(const LevelPicture& picture, unsigned int number)
 
 std::string GameTest::folder() const
 {
-    return GameWorld::instance().folder.path().toStdString();
+    return sharedWorld().folder.path().toStdString();
 }
 
 void GameTest::ticks(int count)

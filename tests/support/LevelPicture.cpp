@@ -1,15 +1,6 @@
 #include "support/LevelPicture.h"
 
-#include "level/LevelPixel.h"
-
 namespace {
-
-bool decodesTo(QRgb color, const Cell& cell)
-{
-    const LevelPixel pixel = LevelPixel::decode(color);
-    return pixel.value == cell.value &&
-           (cell.value == 0 || (pixel.hue == cell.hue && pixel.saturation == cell.saturation));
-}
 
 Cell cellOf(char letter)
 {
@@ -37,21 +28,11 @@ Cell cellOf(char letter)
 
 QRgb colorOf(const Cell& cell)
 {
-    const QColor ideal =
-        QColor::fromHsv(cell.hue, cell.saturation * 255 / 100, cell.value * 255 / 100);
-    constexpr int reach = 4;
-    for (int red = -reach; red <= reach; ++red) {
-        for (int green = -reach; green <= reach; ++green) {
-            for (int blue = -reach; blue <= reach; ++blue) {
-                const QRgb color =
-                    qRgba(qBound(0, ideal.red() + red, 255), qBound(0, ideal.green() + green, 255),
-                          qBound(0, ideal.blue() + blue, 255), cell.alpha);
-                if (decodesTo(color, cell))
-                    return color;
-            }
-        }
-    }
-    qFatal("no colour for hue %d, saturation %d, value %d", cell.hue, cell.saturation, cell.value);
+    const std::optional<QRgb> color = nearestColor(cell);
+    if (!color)
+        qFatal("no colour for hue %d, saturation %d, value %d", cell.hue, cell.saturation,
+               cell.value);
+    return *color;
 }
 
 LevelPicture::LevelPicture(int width, int height, const Cell& background)

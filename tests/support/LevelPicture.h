@@ -1,21 +1,12 @@
 #pragma once
 
-#include <QColor>
+#include "LevelColor.h"
+
 #include <QImage>
 
 #include <initializer_list>
 #include <string>
 #include <vector>
-
-/// What a level author wants to paint into a cell: hue in degrees, saturation and value in percent,
-/// alpha from 0 to 255.
-struct Cell
-{
-    int hue;
-    int saturation;
-    int value;
-    int alpha = 255;
-};
 
 namespace cells {
 constexpr Cell hole{0, 0, 0};
@@ -28,8 +19,8 @@ constexpr Cell optional{135, 70, 73};
 constexpr Cell goal{135, 50, 73};
 }  // namespace cells
 
-/// The colour that decodes to the cell, found by trying around the obvious one. Ends the program
-/// at a cell that eight bits a channel cannot hold, as a dark one of a fine saturation.
+/// A colour that decodes to the cell. Ends the program at a cell that eight bits a channel cannot
+/// hold, as a dark one of a fine saturation.
 QRgb colorOf(const Cell& cell);
 
 /// A level picture drawn in a test.

@@ -1,69 +1,94 @@
 #include "platform/leap/MessageParser.h"
 
-#include "platform/leap/Json.h"
+#include "platform/leap/MessageReader.h"
 #include "platform/leap/VectorMath.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace Leap {
 
 namespace {
 
-// A frame needs six levels; two hands with all fingers have a thousand values.
-constexpr JsonLimits limits{16, 50000};
+using Json = nlohmann::json;
+
+const std::set<std::string_view> fieldNames{
+    "direction",    "event",       "extended", "gestures",       "handId",
+    "hands",        "id",          "normal",   "palmNormal",     "palmPosition",
+    "pointableIds", "pointables",  "progress", "serviceVersion", "state",
+    "timestamp",    "tipPosition", "tool",     "type",           "version"};
+
 constexpr std::size_t mostHands = 8;
 constexpr std::size_t mostPointables = 64;
 constexpr std::size_t mostGestures = 64;
 constexpr double farthestPosition = 10000.0;         // mm
 constexpr double largestWhole = 9007199254740992.0;  // 2^53: from here on doubles skip numbers
+constexpr std::int64_t none = std::numeric_limits<std::int64_t>::min();  // beyond largestWhole
 constexpr float shortestDirection = 0.5f;
 constexpr float longestDirection = 1.5f;
 constexpr double mostTurns = 1e6;
 
+// Null where there is no such field, or no object to have it.
+const Json& field(const Json& object, const char* name)
+{
+    static const Json nothing;
+    const auto found = object.find(name);
+    return found == object.end() ? nothing : *found;
+}
+
 // Of what is no array, none.
-const std::vector<JsonValue>& entries(const JsonValue& value)
+const Json& entries(const Json& value)
 {
-    static const std::vector<JsonValue> none;
-    return value.isArray() ? value.items : none;
+    static const Json empty = Json::array();
+    return value.is_array() ? value : empty;
 }
 
-bool flag(const JsonValue& value, bool otherwise)
+bool flag(const Json& value, bool otherwise)
 {
-    return value.kind == JsonValue::Kind::Boolean ? value.boolean : otherwise;
+    return value.is_boolean() ? value.get<bool>() : otherwise;
 }
 
-std::optional<std::int64_t> wholeNumber(const JsonValue& value)
+std::optional<double> number(const Json& value)
 {
-    const double number = value.number;
-    if (value.kind != JsonValue::Kind::Number || !(std::fabs(number) <= largestWhole) ||
-        number != std::floor(number)) {
+    return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
+}
+
+std::string text(const Json& value)
+{
+    return value.is_string() ? value.get<std::string>() : std::string();
+}
+
+std::optional<std::int64_t> wholeNumber(const Json& value)
+{
+    const auto read = number(value);
+    if (!read || std::fabs(*read) > largestWhole || *read != std::floor(*read)) {
         return std::nullopt;
     }
-    return static_cast<std::int64_t>(number);
+    return static_cast<std::int64_t>(*read);
 }
 
-std::optional<Vector> vector(const JsonValue& value, double limit)
+std::optional<Vector> vector(const Json& value, double limit)
 {
-    const auto& parts = entries(value);
+    const Json& parts = entries(value);
     if (parts.size() != 3) {
         return std::nullopt;
     }
     float part[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
-        if (parts[i].kind != JsonValue::Kind::Number || !(std::fabs(parts[i].number) <= limit)) {
+        const auto read = number(parts[i]);
+        if (!read || std::fabs(*read) > limit) {
             return std::nullopt;
         }
-        part[i] = static_cast<float>(parts[i].number);
+        part[i] = static_cast<float>(*read);
     }
     return Vector(part[0], part[1], part[2]);
 }
 
-std::optional<Vector> direction(const JsonValue& value)
+std::optional<Vector> direction(const Json& value)
 {
     const std::optional<Vector> read = vector(value, longestDirection);
     if (!read) {
@@ -76,12 +101,12 @@ std::optional<Vector> direction(const JsonValue& value)
     return normalized(*read);
 }
 
-std::optional<HandData> hand(const JsonValue& object)
+std::optional<HandData> hand(const Json& object)
 {
-    const auto id = wholeNumber(object["id"]);
-    const auto position = vector(object["palmPosition"], farthestPosition);
-    const auto normal = direction(object["palmNormal"]);
-    const auto fingers = direction(object["direction"]);
+    const auto id = wholeNumber(field(object, "id"));
+    const auto position = vector(field(object, "palmPosition"), farthestPosition);
+    const auto normal = direction(field(object, "palmNormal"));
+    const auto fingers = direction(field(object, "direction"));
     if (!id || !position || !normal || !fingers) {
         return std::nullopt;
     }
@@ -94,10 +119,10 @@ std::optional<HandData> hand(const JsonValue& object)
 }
 
 // With what is left of a hand that was dropped, its fingers go as well.
-void readHands(const JsonValue& list, FrameData& frame, std::set<std::int64_t>& dropped)
+void readHands(const Json& list, FrameData& frame, std::set<std::int64_t>& dropped)
 {
     std::set<std::int64_t> known;
-    for (const JsonValue& object : entries(list)) {
+    for (const Json& object : entries(list)) {
         if (frame.hands.size() == mostHands) {
             return;
         }
@@ -105,32 +130,32 @@ void readHands(const JsonValue& list, FrameData& frame, std::set<std::int64_t>& 
             if (known.insert(data->id).second) {
                 frame.hands.push_back(*data);
             }
-        } else if (const auto id = wholeNumber(object["id"])) {
+        } else if (const auto id = wholeNumber(field(object, "id"))) {
             dropped.insert(*id);
         }
     }
 }
 
-void readPointables(const JsonValue& list, FrameData& frame,
-                    const std::set<std::int64_t>& droppedHands)
+void readPointables(const Json& list, FrameData& frame, const std::set<std::int64_t>& droppedHands)
 {
-    for (const JsonValue& object : entries(list)) {
+    for (const Json& object : entries(list)) {
         if (frame.pointables.size() == mostPointables) {
             return;
         }
-        const auto id = wholeNumber(object["id"]);
-        const auto handId = wholeNumber(object["handId"]);
+        const auto id = wholeNumber(field(object, "id"));
+        const auto handId = wholeNumber(field(object, "handId"));
         if (!id || (handId && droppedHands.count(*handId))) {
             continue;
         }
         PointableData data;
         data.id = *id;
         data.handId = handId.value_or(-1);
-        data.tipPosition = vector(object["tipPosition"], farthestPosition).value_or(Vector());
-        data.direction = direction(object["direction"]).value_or(Vector());
-        data.extended = flag(object["extended"], true);
-        const auto finger = wholeNumber(object["type"]);
-        const bool isTool = flag(object["tool"], false);
+        data.tipPosition =
+            vector(field(object, "tipPosition"), farthestPosition).value_or(Vector());
+        data.direction = direction(field(object, "direction")).value_or(Vector());
+        data.extended = flag(field(object, "extended"), true);
+        const auto finger = wholeNumber(field(object, "type"));
+        const bool isTool = flag(field(object, "tool"), false);
         data.finger =
             finger && !isTool && *finger >= 0 && *finger <= 4 ? static_cast<int>(*finger) : -1;
         frame.pointables.push_back(data);
@@ -168,56 +193,56 @@ Gesture::State gestureState(const std::string& name)
     return Gesture::STATE_INVALID;
 }
 
-Pointable pointableOf(const JsonValue& gesture, const FrameData& frame)
+Pointable pointableOf(const Json& gesture, const FrameData& frame)
 {
-    const auto& ids = entries(gesture["pointableIds"]);
-    const auto id = ids.empty() ? std::nullopt : wholeNumber(ids[0]);
+    const Json& ids = entries(field(gesture, "pointableIds"));
+    const std::int64_t id = ids.empty() ? none : wholeNumber(ids[0]).value_or(none);
     const auto found =
         std::find_if(frame.pointables.begin(), frame.pointables.end(),
-                     [&](const PointableData& pointable) { return id && pointable.id == *id; });
+                     [id](const PointableData& pointable) { return pointable.id == id; });
     return found == frame.pointables.end() ? Pointable() : Pointable(found->id, found->direction);
 }
 
-void readGestures(const JsonValue& list, FrameData& frame)
+void readGestures(const Json& list, FrameData& frame)
 {
-    for (const JsonValue& object : entries(list)) {
+    for (const Json& object : entries(list)) {
         if (frame.gestures.size() == mostGestures) {
             return;
         }
-        const auto id = wholeNumber(object["id"]);
+        const auto id = wholeNumber(field(object, "id"));
         GestureData data;
-        data.type = gestureType(object["type"].text);
-        data.state = gestureState(object["state"].text);
+        data.type = gestureType(text(field(object, "type")));
+        data.state = gestureState(text(field(object, "state")));
         if (!id || data.type == Gesture::TYPE_INVALID || data.state == Gesture::STATE_INVALID) {
             continue;
         }
         data.id = *id;
-        const double progress = object["progress"].number;
+        const double progress = number(field(object, "progress")).value_or(0.0);
         data.progress =
             progress >= 0.0 && progress <= mostTurns ? static_cast<float>(progress) : 0.0f;
-        data.normal = direction(object["normal"]).value_or(Vector());
+        data.normal = direction(field(object, "normal")).value_or(Vector());
         data.pointable = pointableOf(object, frame);
         frame.gestures.push_back(data);
     }
 }
 
-Message helloMessage(const JsonValue& object)
+Message helloMessage(const Json& object)
 {
     Message message;
     message.kind = Message::Kind::Hello;
-    const auto version = wholeNumber(object["version"]);
+    const auto version = wholeNumber(field(object, "version"));
     message.version = version && std::abs(*version) <= 1000 ? static_cast<int>(*version) : 0;
-    message.serviceVersion = object["serviceVersion"].text;
+    message.serviceVersion = text(field(object, "serviceVersion"));
     return message;
 }
 
-Message frameMessage(const JsonValue& object)
+Message frameMessage(const Json& object)
 {
     Message message;
-    const auto id = wholeNumber(object["id"]);
-    const auto timestamp = wholeNumber(object["timestamp"]);
-    const JsonValue& hands = object["hands"];
-    if (!id || !timestamp || !hands.isArray()) {
+    const auto id = wholeNumber(field(object, "id"));
+    const auto timestamp = wholeNumber(field(object, "timestamp"));
+    const Json& hands = field(object, "hands");
+    if (!id || !timestamp || !hands.is_array()) {
         return message;
     }
     message.kind = Message::Kind::Frame;
@@ -225,8 +250,8 @@ Message frameMessage(const JsonValue& object)
     message.frame.timestamp = *timestamp;
     std::set<std::int64_t> droppedHands;
     readHands(hands, message.frame, droppedHands);
-    readPointables(object["pointables"], message.frame, droppedHands);
-    readGestures(object["gestures"], message.frame);
+    readPointables(field(object, "pointables"), message.frame, droppedHands);
+    readGestures(field(object, "gestures"), message.frame);
     return message;
 }
 
@@ -237,19 +262,19 @@ Message parseMessage(std::string_view text)
     if (text.size() > longestMessage) {
         return Message();
     }
-    const auto value = parseJson(text, limits);
-    if (!value || !value->isObject()) {
+    const Json value = readJson(text, fieldNames);
+    if (!value.is_object()) {
         return Message();
     }
-    if (value->has("event")) {
+    if (value.contains("event")) {
         Message message;
         message.kind = Message::Kind::Event;
         return message;
     }
-    if (value->has("version")) {
-        return helloMessage(*value);
+    if (value.contains("version")) {
+        return helloMessage(value);
     }
-    return frameMessage(*value);
+    return frameMessage(value);
 }
 
 }  // namespace Leap

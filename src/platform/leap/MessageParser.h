@@ -29,8 +29,9 @@ constexpr std::size_t longestMessage = 1 << 20;
 
 /// Reads a message strictly and never fails: a hand, finger or gesture that is not what the
 /// protocol says is left out, and a frame without its number, time or list of hands is malformed.
-/// Positions farther than ten metres, directions that are no unit vectors and numbers that are not
-/// finite do not count. The lists are cut at 8 hands, 64 fingers and 64 gestures.
+/// Positions farther than ten metres and directions that are no unit vectors do not count; a number
+/// that no double holds makes the whole message malformed. The lists are cut at 8 hands, 64 fingers
+/// and 64 gestures.
 Message parseMessage(std::string_view text);
 
 }  // namespace Leap

@@ -76,12 +76,15 @@ public:
     bool isTrapdoor(const CellPosition& cell) const;
     bool isWeight(const CellPosition& cell) const;
 
-private:
-    double edgeHeight(const CellPosition& cell, int towardsColumn, int towardsRow) const;
-    std::vector<double> shifts(const CellPosition& cell) const;
-    bool entersPortal(const CellPosition& from, const CellPosition& to) const;
+    bool hasMouthOnTop(const CellPosition& portal) const;
     /// The cell before a portal's mouth; one outside the picture for a mouth on the top.
     CellPosition beforeMouth(const CellPosition& portal) const;
+    /// The height of a block's edge; below 0 for the side of a ramp.
+    double edgeHeight(const CellPosition& cell, int towardsColumn, int towardsRow) const;
+
+private:
+    std::vector<double> shifts(const CellPosition& cell) const;
+    bool entersPortal(const CellPosition& from, const CellPosition& to) const;
     std::vector<CellPosition> leaps(const CellPosition& from) const;
     std::vector<CellPosition> crossings(const CellPosition& portal) const;
     std::vector<CellPosition> flights(const CellPosition& weight) const;

@@ -25,7 +25,3 @@ private:
     osg::ref_ptr<osg::Camera> camera;
     osg::ref_ptr<ReadBack> readBack;
 };
-
-/// The number of pixels by which two pictures of one size differ, counting those where a channel
-/// differs by more than `tolerance`.
-int differingPixels(const QImage& a, const QImage& b, int tolerance = 8);

@@ -182,6 +182,11 @@ bool LevelMap::hurries(const CellPosition& from, const CellPosition& to) const
     return carriesOn(from) || carriesOn(to) || is(to, BlockKind::Portal);
 }
 
+bool LevelMap::hasMouthOnTop(const CellPosition& portal) const
+{
+    return PortalOption::ofSaturation(pixel(portal).saturation).face == PortalFace::Top;
+}
+
 CellPosition LevelMap::beforeMouth(const CellPosition& portal) const
 {
     switch (PortalOption::ofSaturation(pixel(portal).saturation).face) {
