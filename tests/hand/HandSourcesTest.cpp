@@ -183,6 +183,16 @@ TEST(PadHand, ComesWithTheFirstTouchAndGoesTenSecondsAfterTheLast)
     EXPECT_TRUE(hand.next(leftStick(0.0f, 0.5f)).present);
 }
 
+TEST(PadHand, TellsAHandAtWorkFromAStickThatTrembles)
+{
+    EXPECT_FALSE(isMoved(leftStick(0.2f, 0.1f), leftStick(0.22f, 0.08f)));
+    EXPECT_TRUE(isMoved(leftStick(0.2f, 0.1f), leftStick(0.2f, 0.2f)));
+    PadState pressed;
+    pressed.otherButton = true;
+    EXPECT_TRUE(isMoved(PadState(), pressed));
+    EXPECT_TRUE(isMoved(pressed, PadState()));
+}
+
 TEST(PadHand, StaysAsLongAsAnythingIsHeld)
 {
     PadHand hand(framesPerSecond);

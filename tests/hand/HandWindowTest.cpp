@@ -390,10 +390,12 @@ TEST_F(HandWindowTest, GivesTheHandToWhicheverWasUsedLast)
     pad.leftStick(-1.0, 0.0);
     frames(halfASecond);
     EXPECT_NEAR(rightDown(), -35.0, leastDegrees);
-    pad.leftStick(0.0, 0.0);
     moves(72, 0);
     frames(halfASecond);
-    EXPECT_NEAR(rightDown(), 972 * degreesPerPixel, leastDegrees);
+    EXPECT_NEAR(rightDown(), 972 * degreesPerPixel, leastDegrees) << "a stick held still waits";
+    pad.leftStick(-0.9, 0.0);
+    frames(halfASecond);
+    EXPECT_LT(rightDown(), -20.0);
 }
 
 TEST_F(HandWindowTest, DrawsTheHandThatItSends)

@@ -17,8 +17,8 @@ constexpr float levelWithin = 0.035f;  // radians
 
 // The board follows the palm within these times: near enough for the game to find the hand at rest,
 // and altogether, from its utmost tilt, so that nothing moves it any more.
-constexpr float timeToFollow = 0.1f;  // s
-constexpr float timeToSettle = 0.5f;
+constexpr float timeToFollow = 0.15f;  // s
+constexpr float timeToSettle = 0.6f;
 
 constexpr int mostTaps = 2;
 

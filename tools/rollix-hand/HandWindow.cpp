@@ -83,9 +83,12 @@ void HandWindow::usePads()
     pads.poll();
     if (leaving)
         return;
-    if (isTouched(pads.state()) || !pads.presses().empty())
-        source = Source::Gamepad;
-    else if (pads.hasLostPad() && source == Source::Gamepad)
+    if (isMoved(padBefore, pads.state())) {
+        padBefore = pads.state();
+        if (isTouched(padBefore))
+            source = Source::Gamepad;
+    }
+    if (pads.hasLostPad() && source == Source::Gamepad)
         source = Source::None;
     for (const Gamepads::Press press : pads.presses()) {
         if (press == Gamepads::Press::Tap)

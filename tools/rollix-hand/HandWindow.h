@@ -49,6 +49,7 @@ private:
     HandMotion motion;
     Gamepads pads;
     PadHand padHand;
+    PadState padBefore;  // when it was last moved
     GameWindow game;
     HandPad* handPad;
     QLabel* clients;

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int secondsToIdle = 10;
+constexpr float tremble = 0.05f;    // of a stick that nobody moves
 constexpr float leastRaise = 0.5f;  // of a stick that turns the camera too: few push it straight
 
 /// A share of the way from the least that the camera heeds to the most.
@@ -23,6 +24,13 @@ bool isTouched(const PadState& pad)
 {
     return pad.secondHand || pad.otherButton || isDeflected(pad.leftStick) ||
            isDeflected(pad.rightStick);
+}
+
+bool isMoved(const PadState& before, const PadState& now)
+{
+    return before.secondHand != now.secondHand || before.otherButton != now.otherButton ||
+           before.leftStick.distanceToPoint(now.leftStick) > tremble ||
+           before.rightStick.distanceToPoint(now.rightStick) > tremble;
 }
 
 PadHand::PadHand(int framesPerSecond) : idleLimit(secondsToIdle * framesPerSecond), idle(idleLimit)

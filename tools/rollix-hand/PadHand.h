@@ -15,6 +15,8 @@ struct PadState
 
 /// Whether anything of it is held.
 bool isTouched(const PadState& pad);
+/// Whether a hand was at work between the two, and not only a stick that trembles.
+bool isMoved(const PadState& before, const PadState& now);
 
 /// The hand that a gamepad plays. It comes with the first touch, and goes some seconds after the
 /// last, so that a pad which lies about does not keep the arrow keys from the board.

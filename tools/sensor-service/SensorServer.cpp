@@ -60,16 +60,17 @@ void SensorServer::sendFrame()
 {
     emit frameDue();
     PlayedFrame frame = handPlayer.nextFrame();
-    frame.tellsGestures = false;
-    const QByteArray plain = frameMessage(frame);
-    frame.tellsGestures = behaviour.recognizesGestures;
-    const QByteArray withGestures = frameMessage(frame);
     const bool someoneElseHasFocus = focusedCount() > 0;
+    QString texts[2];  // without gestures and with them, once a client is to have one
     for (const Client& client : clients) {
         if (!behaviour.mindsFocus || client.focused ||
             (client.background && !someoneElseHasFocus)) {
-            client.socket->sendTextMessage(
-                QString::fromUtf8(client.gestures ? withGestures : plain));
+            frame.tellsGestures = client.gestures && behaviour.recognizesGestures;
+            QString& text = texts[frame.tellsGestures ? 1 : 0];
+            if (text.isEmpty()) {
+                text = QString::fromUtf8(frameMessage(frame));
+            }
+            client.socket->sendTextMessage(text);
         }
     }
     emit frameSent();
