@@ -20,3 +20,8 @@ if(ROLLIX_COVERAGE)
     target_compile_options(rollix_flags INTERFACE --coverage)
     target_link_options(rollix_flags INTERFACE --coverage)
 endif()
+
+# The scene graph, as its find module tells it.
+add_library(rollix_osg INTERFACE)
+target_include_directories(rollix_osg SYSTEM INTERFACE ${OPENSCENEGRAPH_INCLUDE_DIRS})
+target_link_libraries(rollix_osg INTERFACE ${OPENSCENEGRAPH_LIBRARIES})

@@ -4,16 +4,11 @@
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "level/LevelPixel.h"
 
 #include <cmath>
 
 namespace {
 
-constexpr int firstManualSaturation = 74;
-constexpr int manualBand = 75;
-constexpr int automaticBand = 50;
-constexpr double unitsPerStep = 0.5;
 constexpr int restMilliseconds = 1000;
 
 // The sliding joint, by the solver's numbers.
@@ -38,20 +33,11 @@ double toHundredths(double distance)
 
 }  // namespace
 
-BlockElevator::Way BlockElevator::Way::ofSaturation(int saturation)
-{
-    const bool automatic = saturation < firstManualSaturation;
-    const int step = pixelStep(saturation - (automatic ? automaticBand : manualBand));
-    // Nine and twelve stand for one step down and one up: there is none for no way at all.
-    const int steps = step > 9 ? (step - 9) / 3 : (step - 12) / 3;
-    return {automatic, unitsPerStep * steps};
-}
-
 BlockElevator::BlockElevator(Level& owner, float cellX, float cellY, int saturation, int value,
                              BlockGroup& linkGroup)
     : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Elevator"),
       timer(this),
-      way(Way::ofSaturation(saturation))
+      way(ElevatorOption::ofSaturation(saturation))
 {
     createDrive();
     lockJointId = game()->nextId();

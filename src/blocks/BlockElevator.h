@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 
 #include <QObject>
 #include <QTimer>
@@ -16,15 +17,6 @@ class BlockElevator : public QObject, public Block
     Q_OBJECT
 
 public:
-    /// What a pixel's saturation makes of an elevator.
-    struct Way
-    {
-        bool automatic;
-        double travel;  // signed, along the board's vertical; never 0
-
-        static Way ofSaturation(int saturation);
-    };
-
     BlockElevator(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// Leaves in the other direction, from an end as well as on the way.
@@ -50,7 +42,7 @@ private:
     unsigned int lockJointId;
     bool locked = false;
     QTimer timer;
-    const Way way;
+    const ElevatorOption way;
     int direction = Out;
     std::function<void()> frameTask;
 };

@@ -4,56 +4,40 @@
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Level.h"
-#include "level/LevelPixel.h"
 #include "shaders/ShaderProgram.h"
-
-#include <algorithm>
 
 namespace {
 
-constexpr int firstOpaqueSaturation = 79;
-constexpr int opaqueBand = 80;
-constexpr int transparentBand = 50;
-constexpr int firstSilentStep = 17;  // from here on in its band a ghost has no rhythm
 constexpr float fadeSeconds = 0.5f;
 
 }  // namespace
 
-BlockGhost::Rhythm BlockGhost::Rhythm::ofSaturation(int saturation)
-{
-    const bool opaque = saturation >= firstOpaqueSaturation;
-    const int step = std::max(saturation - (opaque ? opaqueBand : transparentBand), 0);
-    if (step >= firstSilentStep)
-        return {opaque, 0.0};
-    return {opaque, (pixelStep(step) + 3.0) / 6.0};
-}
-
 BlockGhost::BlockGhost(Level& owner, float cellX, float cellY, int saturation, int value,
                        BlockGroup& linkGroup)
     : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Ghost"),
-      rhythm(Rhythm::ofSaturation(saturation))
+      option(GhostOption::ofSaturation(saturation))
 {
     fixToBoard();
     startRhythm();
     shareProgram();
     createUniforms();
-    setOpaque(rhythm.initiallyOpaque);
+    setOpaque(option.initiallyOpaque);
 }
 
 BlockGhost::~BlockGhost()
 {
     // Without a rhythm this finds nothing to remove.
-    GameLoop::removeIntervalTask(&toggleTask, rhythm.period);
+    GameLoop::removeIntervalTask(&toggleTask, option.period);
 }
 
 void BlockGhost::startRhythm()
 {
-    if (rhythm.period == 0.0)
+    if (option.period == 0.0)
         return;
     toggleTask = [this] {
         onSignal(nullptr);
     };
-    GameLoop::addIntervalTask(&toggleTask, rhythm.period);
+    GameLoop::addIntervalTask(&toggleTask, option.period);
 }
 
 /// All ghosts of a level are drawn by one program, in one transparent bin.
@@ -63,11 +47,7 @@ void BlockGhost::shareProgram()
     if (ghosts->shaderProgram)
         return;
     osg::ref_ptr<ShaderProgram> program = new ShaderProgram(ghosts);
-    program->setVertexShader(game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER));
-    program->setFragmentShader(
-        game()->sharedShader("ghostShader.frag", GL_FRAGMENT_SHADER,
-                             {"data/classicnoise3D.glsl", "data/wood.glsl",
-                              "data/easeFunctions.glsl", "data/phong_frag.glsl"}));
+    game()->setSharedStages(*program, "ghost");
     osg::StateSet* stateSet = ghosts->getOrCreateStateSet();
     stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);
     stateSet->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
@@ -101,5 +81,5 @@ void BlockGhost::onSignal(Block*)
 
 void BlockGhost::reset()
 {
-    setOpaque(rhythm.initiallyOpaque);
+    setOpaque(option.initiallyOpaque);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 
 #include <osg/Uniform>
 
@@ -12,15 +13,6 @@
 class BlockGhost : public Block
 {
 public:
-    /// What a pixel's saturation makes of a ghost.
-    struct Rhythm
-    {
-        bool initiallyOpaque;
-        double period;  // seconds between changes; 0 for a ghost that only follows signals
-
-        static Rhythm ofSaturation(int saturation);
-    };
-
     BlockGhost(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// Changes the state, whoever signals. Also the rhythm's turn.
@@ -38,7 +30,7 @@ private:
     void createUniforms();
     void setOpaque(bool opaque);
 
-    const Rhythm rhythm;
+    const GhostOption option;
     bool opaque = true;
     std::function<void()> toggleTask;
     osg::ref_ptr<osg::Uniform> opaqueStart;

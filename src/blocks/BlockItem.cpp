@@ -1,11 +1,11 @@
 #include "blocks/BlockItem.h"
 
-#include "blocks/Decoration.h"
 #include "blocks/HidingCallback.h"
 #include "blocks/SingleShot.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 
 #include <osg/ShapeDrawable>
@@ -114,20 +114,11 @@ void BlockItem::createDisplay(int count)
         addSign(display, count > 0);
     // The weight's own; around the copies, each of which has its place.
     displace(display, osg::Vec3f());
-    createProgram(display);
+    itemProgram = addProgram(display, "item", game());
     display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
                                                osg::StateAttribute::ON);
     display->setCullCallback(new BlockItemCallback(this));
     transform->addChild(display);
-}
-
-void BlockItem::createProgram(osg::Node* display)
-{
-    itemProgram = addProgram(
-        display,
-        game()->sharedShader("itemShader.vert", GL_VERTEX_SHADER,
-                             {"data/phong_vert.glsl", "data/rotation.glsl"}),
-        game()->sharedShader("itemShader.frag", GL_FRAGMENT_SHADER, {"data/phong_frag.glsl"}));
 }
 
 void BlockItem::onBallContact(Ball*)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "blocks/ItemOption.h"
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 
 #include <QObject>
 #include <QTimer>
@@ -34,7 +34,6 @@ private:
     class BlockItemCallback;
 
     void createDisplay(int count);
-    void createProgram(osg::Node* display);
     void endWeight();
     void setBallMotion(unsigned int motion);
 

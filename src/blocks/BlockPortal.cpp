@@ -1,13 +1,13 @@
 #include "blocks/BlockPortal.h"
 
-#include "blocks/Decoration.h"
+#include "base/Random.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
-#include "level/Random.h"
 
 #include <osg/ShapeDrawable>
 #include <osg/observer_ptr>
@@ -121,7 +121,7 @@ void BlockPortal::createMouth()
     cylinder->setRotation(outward);
     osg::ref_ptr<osg::ShapeDrawable> mouth = new osg::ShapeDrawable(cylinder);
     mouth->setColor(mouthColor);
-    mouthProgram = addStandardProgram(addDecoration(mouth), game());
+    mouthProgram = addProgram(addDecoration(mouth), "standard", game());
 }
 
 void BlockPortal::onBallEnter(Ball*)

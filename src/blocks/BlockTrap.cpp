@@ -1,12 +1,13 @@
 #include "blocks/BlockTrap.h"
 
-#include "blocks/Decoration.h"
+#include "base/WorldNumbers.h"
 #include "blocks/HidingCallback.h"
 #include "blocks/SingleShot.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
 
@@ -28,7 +29,6 @@ const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
 constexpr float plungerRadius = 0.4f;
 constexpr float plungerIn = 0.3f;
 constexpr float plungerOut = 1.0f;
-constexpr float throwForce = 2.0f;  // for each unit of the spring's strength
 
 constexpr float discHeight = 0.01f;
 const osg::Vec4f black(0.0f, 0.0f, 0.0f, 1.0f);
@@ -155,11 +155,7 @@ void BlockTrap::createMine()
     sphere = new osg::Sphere(osg::Vec3f(0.0f, 0.0f, surfaceHeight() + mineRadius), mineRadius);
     shapeDrawable = new osg::ShapeDrawable(sphere);
     shapeDrawable->setColor(red);
-    shapeProgram = addProgram(
-        addDecoration(shapeDrawable),
-        game()->sharedShader("mineShader.vert", GL_VERTEX_SHADER, {"data/phong_vert.glsl"},
-                             "phong();"),
-        game()->sharedShader("mineShader.frag", GL_FRAGMENT_SHADER, {"data/phong_frag.glsl"}));
+    shapeProgram = addProgram(addDecoration(shapeDrawable), "mine", game());
 }
 
 void BlockTrap::setMineRadius(float radius)
@@ -213,7 +209,7 @@ void BlockTrap::releaseSpring()
 {
     setPlungerHeight(plungerOut);
     const osg::Vec3d up = osg::Vec3d(0.0, 0.0, 1.0) * level->board->getTransform()->getMatrix();
-    pushBall(up * parameter * throwForce);
+    pushBall(up * parameter * world::springForce);
     startTimer(restMilliseconds, &BlockTrap::reset);
 }
 
@@ -271,7 +267,7 @@ void BlockTrap::createWellDisc()
     cylinder = new osg::Cylinder(osg::Vec3f(0.0f, 0.0f, surfaceHeight()), radius, discHeight);
     shapeDrawable = new osg::ShapeDrawable(cylinder);
     shapeDrawable->setColor(black);
-    shapeProgram = addStandardProgram(addDecoration(shapeDrawable), game());
+    shapeProgram = addProgram(addDecoration(shapeDrawable), "standard", game());
 }
 
 void BlockTrap::pullBall()

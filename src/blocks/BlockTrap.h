@@ -1,7 +1,7 @@
 #pragma once
 
-#include "blocks/TrapOption.h"
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,7 +1,5 @@
 #include "blocks/PortalShape.h"
 
-#include "level/LevelPixel.h"
-
 #include <algorithm>
 #include <array>
 
@@ -64,32 +62,6 @@ osg::Vec3f directionInto(PortalFace face)
         break;
     }
     return osg::Vec3f(0.0f, 0.0f, -1.0f);
-}
-
-PortalOption PortalOption::ofSaturation(int saturation)
-{
-    const auto option = [saturation](PortalFace face, int band) {
-        return PortalOption{face, float(pixelStep(saturation - band)) / 6.0f};
-    };
-    if (saturation >= 89)
-        return option(PortalFace::Right, 90);
-    if (saturation >= 79)
-        return option(PortalFace::Left, 80);
-    if (saturation >= 69)
-        return option(PortalFace::Back, 70);
-    if (saturation >= 59)
-        return option(PortalFace::Front, 60);
-    if (saturation >= 49)
-        return option(PortalFace::Top, 50);
-    return {PortalFace::Right, 0.0f};
-}
-
-CornerHeights CornerHeights::of(float lowHeight, float highHeight, int slope)
-{
-    const auto height = [=](int slopeA, int slopeB) {
-        return slope == slopeA || slope == slopeB ? highHeight : lowHeight;
-    };
-    return {height(0, 3), height(0, 1), height(2, 3), height(1, 2)};
 }
 
 PortalShape::PortalShape(PortalFace face, const CornerHeights& corners, float height)

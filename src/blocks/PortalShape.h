@@ -1,34 +1,14 @@
 #pragma once
 
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
+
 #include <osg/Array>
 #include <osg/Vec3f>
 #include <osg/ref_ptr>
 
-/// The face of a portal block that has the mouth.
-enum class PortalFace : int { Right = 0, Left = 1, Back = 2, Front = 3, Top = 4 };  // +x -x +y -y
-
 /// Unit vector from the mouth on this face into the block.
 osg::Vec3f directionInto(PortalFace face);
-
-/// What the saturation of a portal's pixel says.
-struct PortalOption
-{
-    PortalFace face;
-    float strength;  // of the pull; 0 for a portal that the ball has to roll into by itself
-
-    static PortalOption ofSaturation(int saturation);
-};
-
-/// Heights of a block's upper face over the board, at its corners.
-struct CornerHeights
-{
-    float leftFront;   // at -x, -y
-    float rightFront;  // at +x, -y
-    float leftBack;    // at -x, +y
-    float rightBack;   // at +x, +y
-
-    static CornerHeights of(float lowHeight, float highHeight, int slope);
-};
 
 /// The two bodies that feel a ball at a portal, and where the mouth is; all in the block's frame,
 /// whose origin lies at half the block's height.

@@ -1,5 +1,6 @@
 #include "blocks/Ribbon.h"
 
+#include "base/WorldNumbers.h"
 #include "game/Rollix.h"
 #include "shaders/ShaderProgram.h"
 
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr float ballRadius = 0.3f;
 constexpr unsigned int stripVertices = 50;  // two a step: half a second of history
 
 }  // namespace
@@ -18,7 +18,7 @@ constexpr unsigned int stripVertices = 50;  // two a step: half a second of hist
 Ribbon::Ribbon(const osg::Vec3f& color, osg::Node* target, unsigned int ballActorId, Rollix* owner,
                osg::MatrixTransform* boardTransform)
     : parent(boardTransform),
-      halfWidth(ballRadius),
+      halfWidth(world::ballRadius),
       vertexCount(stripVertices),
       actorId(ballActorId),
       game(owner)
@@ -57,8 +57,7 @@ void Ribbon::createGeode()
 {
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     program = new ShaderProgram(geode);
-    program->setVertexShader(game->shaderPrograms["standardShader.vert"]);
-    program->setFragmentShader(game->shaderPrograms["standardShader.frag"]);
+    game->setSharedStages(*program, "standard");
     geode->addDrawable(geometry);
     osg::StateSet* stateSet = geode->getOrCreateStateSet();
     stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);

@@ -1,5 +1,6 @@
 #include "game/Rollix.h"
 
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "hand/HandCamera.h"
@@ -14,6 +15,7 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
+#include "shaders/StageRecipes.h"
 
 #include <QKeyEvent>
 #include <osg/Uniform>
@@ -23,7 +25,6 @@
 
 namespace {
 
-constexpr float secondsPerTick = 0.033333335f;  // 1/30
 constexpr int hitSounds = 8;
 
 // The camera's circle around the board, in world units and radians.
@@ -32,7 +33,6 @@ constexpr float cameraDistance = 25.0f;
 constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
-const osg::Vec3f gravity(0.0f, 0.0f, -9.81f);
 const osg::Vec3f lightPosition(8.0f, -8.0f, 16.0f);
 const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
 
@@ -79,7 +79,7 @@ void Rollix::setUpCamera(OsgViewerWidget* widget)
 void Rollix::createWorld()
 {
     const GameLoop::Lock worldLock;
-    createScene(gravity);
+    createScene(osg::Vec3f(0.0f, 0.0f, -world::gravity));
     sceneRoot = new osg::Group;
     sceneRoot->getOrCreateStateSet()->addUniform(new osg::Uniform("a_LightPos", lightPosition),
                                                  osg::StateAttribute::ON);
@@ -179,19 +179,21 @@ void Rollix::levelFailed()
     showMessage("Not even close...", badNews);
 }
 
-ShaderProgram::Shader* Rollix::sharedShader(const std::string& name, unsigned int type,
-                                            std::initializer_list<std::string> preMainFiles,
-                                            const std::string& startMainCode)
+ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
 {
     osg::ref_ptr<ShaderProgram::Shader>& shader = shaderPrograms[name];
-    if (!shader) {
-        shader = new ShaderProgram::Shader("data/Rollix/" + name, type);
-        for (const std::string& file : preMainFiles)
-            shader->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
-        if (!startMainCode.empty())
-            shader->addCodeInjection(startMainCode, "//HOTSPOT_START_MAIN");
-    }
+    if (!shader)
+        shader = makeStage(name);
     return shader;
+}
+
+void Rollix::setSharedStages(ShaderProgram& program, const std::string& programName)
+{
+    const ProgramRecipe& recipe = programRecipe(programName);
+    program.setVertexShader(sharedShader(recipe.vertexStage));
+    if (!recipe.geometryStage.empty())
+        program.setGeometryShader(sharedShader(recipe.geometryStage));
+    program.setFragmentShader(sharedShader(recipe.fragmentStage));
 }
 
 void Rollix::update()
@@ -240,7 +242,7 @@ void Rollix::applyKeyTorque()
 
 float Rollix::timeStep()
 {
-    return secondsPerTick;
+    return world::secondsPerTick;
 }
 
 bool* Rollix::keyFlag(int key)

@@ -4,7 +4,6 @@
 #include "game/GravlinApplication.h"
 #include "shaders/ShaderProgram.h"
 
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,12 +32,12 @@ public:
     void levelCompleted();
     void levelFailed();
 
-    /// The shader stage that all levels share under its short file name. At its first use it is
-    /// read from data/Rollix and gets `preMainFiles` injected above its main function, in order,
-    /// and `startMainCode`, if there is any, at the start of it.
-    ShaderProgram::Shader* sharedShader(const std::string& name, unsigned int type,
-                                        std::initializer_list<std::string> preMainFiles = {},
-                                        const std::string& startMainCode = {});
+    /// The shader stage that all levels share under its short file name, made by its recipe at its
+    /// first use.
+    ShaderProgram::Shader* sharedShader(const std::string& name);
+
+    /// Gives `program` the shared stages of a program's recipe.
+    void setSharedStages(ShaderProgram& program, const std::string& programName);
 
     /// Serves a requested level change, then turns the held arrow keys into torque on the board.
     void update() override;

@@ -1,8 +1,8 @@
 #include "hud/ImageHUD.h"
 
+#include "base/UnreadableFile.h"
 #include "hud/OverlayShader.h"
 #include "shaders/ShaderProgram.h"
-#include "shaders/UnreadableFile.h"
 
 #include <osg/Geometry>
 #include <osg/Image>
@@ -29,7 +29,7 @@ void ImageHUD::init(ContainerHUD* parentContainer)
 
 void ImageHUD::initShader()
 {
-    shader = installOverlayShader(*geode, "imageShader", "imageTexture");
+    shader = installOverlayShader(*geode, "image", "imageTexture");
 }
 
 void ImageHUD::build()

@@ -1,11 +1,12 @@
 #include "hud/OverlayShader.h"
 
 #include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
 #include <osg/StateSet>
 #include <osg/Uniform>
 
-osg::ref_ptr<ShaderProgram> installOverlayShader(osg::Node& node, const std::string& name,
+osg::ref_ptr<ShaderProgram> installOverlayShader(osg::Node& node, const std::string& programName,
                                                  const std::string& sampler)
 {
     osg::ref_ptr<ShaderProgram> shader = new ShaderProgram(&node);
@@ -14,7 +15,6 @@ osg::ref_ptr<ShaderProgram> installOverlayShader(osg::Node& node, const std::str
     state->setAttributeAndModes(shader->program,
                                 osg::StateAttribute::ON | osg::StateAttribute::OVERRIDE);
     state->addUniform(new osg::Uniform(sampler.c_str(), 0));
-    shader->setVertexShader("data/" + name + ".vert");
-    shader->setFragmentShader("data/" + name + ".frag");
+    setOwnStages(*shader, programName);
     return shader;
 }

@@ -1,8 +1,8 @@
 #include "hud/TextHUD.h"
 
+#include "base/UnreadableFile.h"
 #include "hud/OverlayShader.h"
 #include "shaders/ShaderProgram.h"
-#include "shaders/UnreadableFile.h"
 
 #include <osgDB/FileNameUtils>
 #include <osgText/Font>
@@ -43,7 +43,7 @@ void TextHUD::init(ContainerHUD* parentContainer)
 
 void TextHUD::initShader()
 {
-    shader = installOverlayShader(*geode, "textShader", "GlyphTexture");
+    shader = installOverlayShader(*geode, "text", "GlyphTexture");
 }
 
 void TextHUD::build()

@@ -1,5 +1,6 @@
 #include "level/Ball.h"
 
+#include "base/WorldNumbers.h"
 #include "blocks/Ribbon.h"
 #include "game/Rollix.h"
 #include "level/BlockCheckpoint.h"
@@ -8,13 +9,12 @@
 #include "level/Ground.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
 #include <osg/ShapeDrawable>
 
 namespace {
 
-constexpr float radius = 0.3f;
-constexpr double density = 1.0;
 constexpr float startHeight = 0.5f;  // of the centre over its checkpoint's top
 
 const osg::Vec4f red(0.9f, 0.1f, 0.1f, 1.0f);
@@ -47,7 +47,7 @@ Ball::~Ball()
 void Ball::createSphere()
 {
     osg::ref_ptr<osg::ShapeDrawable> sphere =
-        new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), radius));
+        new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), world::ballRadius));
     sphere->setColor(red);
     geode->addDrawable(sphere);
     transform->addChild(geode);
@@ -55,23 +55,16 @@ void Ball::createSphere()
 
 void Ball::createShader()
 {
-    // Stages of its own, not the shared ones: the same vertex text lights the ball here, for a
-    // geometry stage that draws it split over two portals' mouths.
     shader = new ShaderProgram(transform);
-    shader->setVertexShader("data/Rollix/standardShader.vert");
-    shader->vertexShader->addFileInjection("data/phong_vert-withgeom.glsl", "//HOTSPOT_PRE_MAIN");
-    shader->vertexShader->addCodeInjection("phong();", "//HOTSPOT_START_MAIN");
-    shader->setGeometryShader("data/Rollix/portalBallShader.geom");
-    shader->setFragmentShader("data/Rollix/portalBallShader.frag");
-    shader->fragmentShader->addFileInjection("data/phong_frag.glsl", "//HOTSPOT_PRE_MAIN");
+    setOwnStages(*shader, "ball");
     transform->getOrCreateStateSet()->addUniform(new osg::Uniform("a_PortalActive", false),
                                                  osg::StateAttribute::ON);
 }
 
 void Ball::createActor()
 {
-    game()->createSphere(id, radius, density, "holz", PhysxScene::motionDynamic, ballGroup,
-                         ballMask);
+    game()->createSphere(id, world::ballRadius, world::ballDensity, "holz",
+                         PhysxScene::motionDynamic, ballGroup, ballMask);
     game()->setCcdEnabled(id, true);
     game()->setPose(id, transform->getMatrix());
 }

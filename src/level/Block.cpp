@@ -4,7 +4,6 @@
 #include "level/Board.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
-#include "level/LevelPixel.h"
 
 #include <osg/Geometry>
 #include <osg/ShapeDrawable>
@@ -17,19 +16,16 @@ constexpr double density = 1.0;
 /// corner of the cell the lower and then the upper one.
 osg::ref_ptr<osg::Vec3Array> rampVertices(float low, float high, int slope)
 {
-    const float atLeftBottom = slope == 0 || slope == 3 ? high : low;
-    const float atLeftTop = slope == 2 || slope == 3 ? high : low;
-    const float atRightBottom = slope == 0 || slope == 1 ? high : low;
-    const float atRightTop = slope == 1 || slope == 2 ? high : low;
+    const CornerHeights tops = CornerHeights::of(low, high, slope);
     osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array;
     const auto addCorner = [&](float x, float y, float top) {
         vertices->push_back(osg::Vec3f(x, y, 0.0f));
         vertices->push_back(osg::Vec3f(x, y, top));
     };
-    addCorner(-0.5f, -0.5f, atLeftBottom);
-    addCorner(-0.5f, 0.5f, atLeftTop);
-    addCorner(0.5f, -0.5f, atRightBottom);
-    addCorner(0.5f, 0.5f, atRightTop);
+    addCorner(-0.5f, -0.5f, tops.leftFront);
+    addCorner(-0.5f, 0.5f, tops.leftBack);
+    addCorner(0.5f, -0.5f, tops.rightFront);
+    addCorner(0.5f, 0.5f, tops.rightBack);
     return vertices;
 }
 

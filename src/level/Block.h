@@ -1,7 +1,7 @@
 #pragma once
 
+#include "level/BlockShape.h"
 #include "level/GameObject.h"
-#include "level/LevelPixel.h"
 
 #include <osg/MatrixTransform>
 #include <osg/ref_ptr>

@@ -1,8 +1,9 @@
 #include "level/BlockButton.h"
 
-#include "blocks/Decoration.h"
+#include "base/Say.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
 
@@ -11,7 +12,7 @@
 #include <osg/MatrixTransform>
 #include <osg/ShapeDrawable>
 
-#include <iostream>
+#include <cmath>
 
 namespace {
 
@@ -25,41 +26,35 @@ const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
 const osg::Vec4f blue(0.0f, 0.0f, 1.0f, 1.0f);
 const osg::Vec4f yellow(1.0f, 1.0f, 0.0f, 1.0f);
 
-// Long enough that one touch, in which the ball bounces, fires a toggle button only once.
-constexpr float toggleCoolDown = 1.0f;
-
-constexpr double quarterTurn = 1.5707963267948966;
+osg::Vec4f colorOf(ButtonMode mode)
+{
+    switch (mode) {
+    case ButtonMode::OneShot:
+        break;
+    case ButtonMode::Timed:
+        return blue;
+    case ButtonMode::Toggle:
+        return yellow;
+    }
+    return red;
+}
 
 /// Turns a cap that leans towards a high edge at -x to lean towards the block's own one.
 double turnOfSlope(int slope)
 {
-    switch (slope) {
-    case 0:
-        return quarterTurn;
-    case 1:
-        return 2.0 * quarterTurn;
-    case 2:
-        return -quarterTurn;
-    default:
+    if (slope == flatSlope)
         return 0.0;
-    }
+    const CellSide& high = highSides[slope];
+    return std::atan2(-high.y, -high.x);
 }
 
 }  // namespace
 
-BlockButton::Behaviour BlockButton::Behaviour::ofSaturation(int saturation)
-{
-    if (saturation >= 91 || saturation < 49)
-        return {OneShot, red, 0.0f};
-    if (saturation >= 59)
-        return {Timed, blue, float(int(((saturation - 60) + 3.0) / 3.0 + 0.5))};
-    return {Toggle, yellow, toggleCoolDown};
-}
-
 BlockButton::BlockButton(Level& owner, float cellX, float cellY, int saturation, int value,
                          BlockGroup& linkGroup)
     : Block(owner, cellX, cellY, saturation, value, linkGroup, true, "Button"),
-      behaviour(Behaviour::ofSaturation(saturation))
+      option(ButtonOption::ofSaturation(saturation)),
+      fullColor(colorOf(option.mode))
 {
     fixToBoard();
     level->board->addContactShape(this, id);
@@ -75,14 +70,9 @@ void BlockButton::createCap()
         new osg::ShapeDrawable(new osg::Cylinder(osg::Vec3f(), capRadius, capHeight)));
     osg::StateSet* stateSet = capGeode->getOrCreateStateSet();
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
-    color = std::make_unique<UniformAnimation<osg::Vec4f>>(stateSet, "a_Color", behaviour.color);
+    color = std::make_unique<UniformAnimation<osg::Vec4f>>(stateSet, "a_Color", fullColor);
 
-    capShader =
-        addProgram(capGeode,
-                   game()->sharedShader("animationShader.vert", GL_VERTEX_SHADER,
-                                        {"data/easeFunctions.glsl", "data/phong_vert.glsl"}),
-                   game()->sharedShader("animationShader.frag", GL_FRAGMENT_SHADER,
-                                        {"data/easeFunctions.glsl", "data/phong_frag.glsl"}));
+    capShader = addProgram(capGeode, "buttonCap", game());
 
     osg::Vec3d alongSlope(1.0, 0.0, highHeight - lowHeight);
     alongSlope.normalize();
@@ -100,19 +90,19 @@ void BlockButton::onBallContact(Ball*)
         return;
     busy = true;
     signalGroup();
-    color->run(behaviour.color, grey(), frameTime(), animationSeconds);
-    if (behaviour.mode == OneShot) {
+    color->run(fullColor, grey(), frameTime(), animationSeconds);
+    if (option.mode == ButtonMode::OneShot) {
         setPressed(true);
         return;
     }
     setPressed(!pressed);
-    QTimer::singleShot(int(behaviour.coolDown * 1000.0), this, &BlockButton::cooledDown);
+    QTimer::singleShot(int(option.coolDown * 1000.0), this, &BlockButton::cooledDown);
 }
 
 void BlockButton::cooledDown()
 {
-    color->run(grey(), behaviour.color, frameTime(), animationSeconds);
-    if (behaviour.mode == Timed) {
+    color->run(grey(), fullColor, frameTime(), animationSeconds);
+    if (option.mode == ButtonMode::Timed) {
         setPressed(!pressed);
         signalGroup();
     }
@@ -134,8 +124,8 @@ void BlockButton::setPressed(bool down)
 /// The colour's brightness as Qt's qGray weighs it, in all four channels: alpha fades as well.
 osg::Vec4f BlockButton::grey() const
 {
-    const osg::Vec4f& full = behaviour.color;
-    const int brightness = qGray(int(full.r() * 255), int(full.g() * 255), int(full.b() * 255));
+    const int brightness =
+        qGray(int(fullColor.r() * 255), int(fullColor.g() * 255), int(fullColor.b() * 255));
     const float channel = float(brightness / 255.0);
     return osg::Vec4f(channel, channel, channel, channel);
 }
@@ -145,6 +135,6 @@ void BlockButton::reset()
     pressed = false;
     busy = false;
     pose->stop(raised);
-    color->stop(behaviour.color);
-    std::cout << "reset" << std::endl;
+    color->stop(fullColor);
+    say("reset");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 #include "level/UniformAnimation.h"
 
 #include <QObject>
@@ -18,22 +19,6 @@ class BlockButton : public QObject, public Block
     Q_OBJECT
 
 public:
-    enum Mode : int {
-        OneShot = 0,  // fires once a run
-        Timed = 1,    // fires again by itself after its time, so that what it did is undone
-        Toggle = 2,   // fires at every touch; its cap stays as it is between them
-    };
-
-    /// What a pixel's saturation makes of a button.
-    struct Behaviour
-    {
-        Mode mode;
-        osg::Vec4f color;
-        float coolDown;  // seconds; 0 for a button that has none
-
-        static Behaviour ofSaturation(int saturation);
-    };
-
     BlockButton(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// Fires unless the button is used up or cooling down.
@@ -56,7 +41,8 @@ private:
     void setPressed(bool down);
     osg::Vec4f grey() const;
 
-    const Behaviour behaviour;
+    const ButtonOption option;
+    const osg::Vec4f fullColor;
     bool pressed = false;
     bool busy = false;
     osg::ref_ptr<osg::Geode> capGeode;

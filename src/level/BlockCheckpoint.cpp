@@ -1,8 +1,8 @@
 #include "level/BlockCheckpoint.h"
 
-#include "blocks/Decoration.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
+#include "level/Decoration.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
 
@@ -26,31 +26,9 @@ const osg::Vec3f raised(0.0f, 0.0f, 0.0f);
 const osg::Vec3f sunk(0.0f, 0.0f, -1.0f);
 constexpr float flagSeconds = 1.0f;
 
-constexpr int coinsOfFlag = 10;
-constexpr int coinsOfGoal = 50;
-
-/// One reward for each three points of saturation.
-int rewards(int n)
-{
-    return int((n + 3.0) / 3.0 + 0.5);
-}
-
 }  // namespace
 
 std::unordered_set<BlockCheckpoint*> BlockCheckpoint::allCheckpoints;
-
-BlockCheckpoint::Option BlockCheckpoint::Option::ofSaturation(int saturation)
-{
-    if (saturation >= 91)
-        return {Start, false, coinsOfFlag};
-    if (saturation >= 79)
-        return {Checkpoint, true, rewards(saturation - 80) * coinsOfFlag};
-    if (saturation >= 69)
-        return {Checkpoint, false, rewards(saturation - 70) * coinsOfFlag};
-    if (saturation >= 49)
-        return {Goal, false, rewards(saturation - 50) * coinsOfGoal};
-    return {Checkpoint, false, rewards(0) * coinsOfFlag};
-}
 
 BlockCheckpoint::BlockCheckpoint(Level& owner, float cellX, float cellY, int saturation, int value,
                                  BlockGroup& linkGroup)
@@ -58,11 +36,11 @@ BlockCheckpoint::BlockCheckpoint(Level& owner, float cellX, float cellY, int sat
 {
     fixToBoard();
     allCheckpoints.insert(this);
-    const Option option = Option::ofSaturation(saturation);
+    const CheckpointOption option = CheckpointOption::ofSaturation(saturation);
     type = option.type;
     required = option.required;
     coins = option.coins;
-    if (type == Start)
+    if (type == CheckpointType::Start)
         level->setStart(this);
     else
         createFlag();
@@ -90,18 +68,14 @@ void BlockCheckpoint::createFlag()
 
     flagGeode = addDecoration(cloth);
     osg::StateSet* stateSet = flagGeode->getOrCreateStateSet();
-    stateSet->addUniform(new osg::Uniform("a_FlagType", type), osg::StateAttribute::ON);
-    if (type == Checkpoint)
+    stateSet->addUniform(new osg::Uniform("a_FlagType", int(type)), osg::StateAttribute::ON);
+    if (type == CheckpointType::Checkpoint)
         stateSet->addUniform(
             new osg::Uniform("a_FlagColor", required ? requiredColor : optionalColor),
             osg::StateAttribute::ON);
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
 
-    flagShader = addProgram(
-        flagGeode,
-        game()->sharedShader("flagShader.vert", GL_VERTEX_SHADER, {"data/easeFunctions.glsl"}),
-        game()->sharedShader("flagShader.frag", GL_FRAGMENT_SHADER));
-
+    flagShader = addProgram(flagGeode, "flag", game());
     createPole();
 }
 
@@ -114,9 +88,9 @@ void BlockCheckpoint::createPole()
 
 void BlockCheckpoint::onBallContact(Ball*)
 {
-    if (type == Checkpoint)
+    if (type == CheckpointType::Checkpoint)
         passFlag();
-    else if (type == Goal)
+    else if (type == CheckpointType::Goal)
         reachGoal();
 }
 
@@ -133,7 +107,7 @@ void BlockCheckpoint::passFlag()
 void BlockCheckpoint::reachGoal()
 {
     for (const BlockCheckpoint* other : allCheckpoints) {
-        if (other->type == Checkpoint && other->required && !other->passed)
+        if (other->type == CheckpointType::Checkpoint && other->required && !other->passed)
             return;
     }
     level->changeCoins(coins);

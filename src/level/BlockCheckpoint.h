@@ -1,6 +1,7 @@
 #pragma once
 
 #include "level/Block.h"
+#include "level/BlockOptions.h"
 #include "level/UniformAnimation.h"
 
 #include <osg/Geode>
@@ -15,18 +16,6 @@ class ShaderProgram;
 class BlockCheckpoint : public Block
 {
 public:
-    enum Type : int { Start = 0, Checkpoint = 1, Goal = 2 };
-
-    /// What a pixel's saturation makes of a checkpoint.
-    struct Option
-    {
-        Type type;
-        bool required;  // to be passed before the goal counts
-        int coins;
-
-        static Option ofSaturation(int saturation);
-    };
-
     BlockCheckpoint(Level& level, float x, float y, int saturation, int value, BlockGroup& group);
 
     /// A flag pays and sinks at its first touch and is where the ball comes back to; the goal ends
@@ -48,7 +37,7 @@ private:
     void passFlag();
     void reachGoal();
 
-    int type = Start;
+    CheckpointType type = CheckpointType::Start;
     osg::ref_ptr<osg::Geode> flagGeode;
     osg::ref_ptr<ShaderProgram> flagShader;
     osg::ref_ptr<osg::Geode> poleGeode;

@@ -1,28 +1,10 @@
 #include "level/Board.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/BlockItem.h"
-#include "blocks/BlockPortal.h"
-#include "blocks/BlockTrap.h"
 #include "game/Rollix.h"
-#include "level/Ball.h"
-#include "level/BlockButton.h"
-#include "level/BlockCheckpoint.h"
-#include "level/BlockStandard.h"
-#include "level/BoardMesh.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
-#include "level/LevelPixel.h"
-#include "level/Random.h"
 
 #include <QImage>
-#include <osg/PolygonOffset>
-#include <osg/ShapeDrawable>
-
-#include <cmath>
-#include <functional>
-#include <iostream>
 
 namespace {
 
@@ -42,62 +24,7 @@ constexpr float cornerMaximum = 1.0f;
 constexpr float cornerTolerance = 10.0f;
 constexpr float cornerStiffness = 1.0f;
 
-constexpr float guideThickness = 2.0f;
-const osg::Vec4f guideColor(0.0f, 9.0f, 0.0f, 0.3f);  // over 1: as green as it gets, lit or not
-
-constexpr float audibleImpulse = 0.01f;
-constexpr float volumePerImpulse = 2.0f;
-
-template <typename T>
-T* createBlock(Level& level, float x, float y, int saturation, int value, BlockGroup& group)
-{
-    return new T(level, x, y, saturation, value, group);
-}
-
-using BlockFactory = std::function<Block*(Level&, float, float, int, int, BlockGroup&)>;
-
-/// The creator of a kind; empty for a hue that names none.
-BlockFactory factoryOf(BlockKind kind)
-{
-    switch (kind) {
-    case BlockKind::Standard:
-        return createBlock<BlockStandard>;
-    case BlockKind::Checkpoint:
-        return createBlock<BlockCheckpoint>;
-    case BlockKind::Button:
-        return createBlock<BlockButton>;
-    case BlockKind::Ghost:
-        return createBlock<BlockGhost>;
-    case BlockKind::Elevator:
-        return createBlock<BlockElevator>;
-    case BlockKind::Trap:
-        return createBlock<BlockTrap>;
-    case BlockKind::Item:
-        return createBlock<BlockItem>;
-    case BlockKind::Portal:
-        return createBlock<BlockPortal>;
-    default:
-        return BlockFactory();
-    }
-}
-
 }  // namespace
-
-/// Draws the guide plate only while the game waits for the hand to come to the board's pose.
-class Board::SynchronizerCallback : public osg::NodeCallback
-{
-public:
-    explicit SynchronizerCallback(Rollix* owner) : game(owner) {}
-
-    void operator()(osg::Node* node, osg::NodeVisitor* visitor) override
-    {
-        if (game->state == GameState::WaitingForRest)
-            traverse(node, visitor);
-    }
-
-private:
-    Rollix* game;
-};
 
 Board::Board(Level& owner) : GameObject(owner) {}
 
@@ -129,70 +56,7 @@ void Board::createBody()
 void Board::createShader()
 {
     shader = new ShaderProgram(root);
-    shader->setVertexShader(game()->sharedShader("boardShader.vert", GL_VERTEX_SHADER,
-                                                 {"data/rotation.glsl", "data/phong_vert.glsl"}));
-    shader->setFragmentShader(game()->sharedShader(
-        "boardShader.frag", GL_FRAGMENT_SHADER,
-        {"data/classicnoise3D.glsl", "data/wood.glsl", "data/phong_frag.glsl"}));
-}
-
-void Board::createBlocks(const QImage& image)
-{
-    const int width = image.width();
-    const int height = image.height();
-    for (int row = 0; row < height; ++row) {
-        for (int column = 0; column < width; ++column) {
-            const LevelPixel pixel = LevelPixel::decode(image.pixel(column, row));
-            if (pixel.value == 0)
-                continue;
-            const osg::Vec2f position((float(column) - float(width) * 0.5f) + 0.5f,
-                                      (float(height) * 0.5f - float(row)) - 0.5f);
-            BlockGroup& group = groups[pixel.alpha];
-            if (Block* block = blockOfPixel(pixel, column, row, position, group)) {
-                blocks.push_back(block);
-                group.push_back(block);
-            }
-        }
-    }
-}
-
-Block* Board::blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                           BlockGroup& group)
-{
-    const BlockKind kind = blockKindOfHue(pixel.hue);
-    const BlockFactory create = factoryOf(kind);
-    if (!create)
-        return nullptr;
-    if (kind != BlockKind::Standard && pixel.value < firstBodyValue) {
-        // Every other kind needs a body to hang its parts on.
-        std::cout << "I cannot build the block of " << level->pictureFile << " at column " << column
-                  << ", row " << row << ": it has hue " << pixel.hue << ", saturation "
-                  << pixel.saturation << ", value " << pixel.value << ", alpha " << pixel.alpha
-                  << ", and a value under " << firstBodyValue << " gives it no body." << std::endl;
-        return nullptr;
-    }
-    return create(*level, position.x(), position.y(), pixel.saturation, pixel.value, group);
-}
-
-void Board::mergeStaticBlocks(int columns, int rows)
-{
-    // What the static flat blocks fill from edge to edge, by cell.
-    std::vector<float> filled(std::size_t(columns) * std::size_t(rows), 0.0f);
-    const auto cellIndex = [&](float x, float y) -> std::ptrdiff_t {
-        const int column = int(std::floor(x + float(columns) * 0.5f));
-        const int row = int(std::floor(float(rows) * 0.5f - y));
-        const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
-        return inside ? std::ptrdiff_t(row) * columns + column : -1;
-    };
-    for (const osg::ref_ptr<Block>& block : blocks) {
-        if (block->getTransform() == transform && block->isFlat())
-            filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
-    }
-    BoardMesh([&](float x, float y) {
-        const std::ptrdiff_t index = cellIndex(x, y);
-        return index < 0 ? 0.0f : filled[std::size_t(index)];
-    }).merge(*geode);
-    geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
+    game()->setSharedStages(*shader, "board");
 }
 
 void Board::finishBody()
@@ -223,29 +87,6 @@ void Board::hang()
     game()->setAngularDamping(id, turnDamping);
 }
 
-void Board::createGuide(int columns, int rows)
-{
-    guideId = level->nextObjectId();
-    guide = new osg::Geode;
-    osg::ref_ptr<osg::ShapeDrawable> plate = new osg::ShapeDrawable(
-        new osg::Box(osg::Vec3f(), float(columns), float(rows), guideThickness));
-    plate->setColor(guideColor);
-    guide->addDrawable(plate);
-
-    osg::ref_ptr<osg::MatrixTransform> guideTransform = new osg::MatrixTransform;
-    guideTransform->addChild(guide);
-    guideTransform->setCullCallback(new SynchronizerCallback(game()));
-    // Without a hand there is no pose to show: the first hand that is seen brings the plate up.
-    guideTransform->setNodeMask(0);
-    osg::StateSet* stateSet = guideTransform->getOrCreateStateSet();
-    stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);
-    stateSet->setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
-    // Its faces lie where the tops of unit walls are; those stay in front.
-    stateSet->setAttributeAndModes(new osg::PolygonOffset(1.0f, 1.0f), osg::StateAttribute::ON);
-    level->addChild(guideTransform);
-    game()->setActorTransform(guideId, guideTransform);
-}
-
 ShaderProgram::ShaderGroup* Board::shaderGroup(std::string name)
 {
     osg::ref_ptr<ShaderProgram::ShaderGroup>& group = shaderGroups[name];
@@ -254,59 +95,6 @@ ShaderProgram::ShaderGroup* Board::shaderGroup(std::string name)
         root->addChild(group);
     }
     return group;
-}
-
-void Board::addContactShape(Block* block, unsigned int actorId)
-{
-    contactBlocks[actorId] = block;
-}
-
-void Board::addTriggerShape(Block* block, unsigned int actorId)
-{
-    triggerBlocks[actorId] = block;
-}
-
-void Board::onBallContact(const physx::PxContactPairHeader& header,
-                          const physx::PxContactPair* pairs, unsigned int count)
-{
-    // The last point of the last pair speaks for the whole contact.
-    float impulse = 0.0f;
-    std::vector<physx::PxContactPairPoint> points;
-    for (unsigned int i = 0; i < count; ++i) {
-        if (pairs[i].contactCount == 0)
-            continue;
-        points.resize(pairs[i].contactCount);
-        const physx::PxU32 found =
-            pairs[i].extractContacts(points.data(), physx::PxU32(points.size()));
-        if (found > 0)
-            impulse = points[found - 1].impulse.magnitude();
-    }
-    if (game()->isShapeContactBetween(ballGroup, boardGroup, pairs[0]) && impulse > audibleImpulse)
-        playHitSound(impulse);
-
-    for (const auto& [actorId, block] : contactBlocks) {
-        if (game()->isContactBetween(level->ball->getId(), actorId, header))
-            block->onBallContact(level->ball);
-    }
-}
-
-void Board::playHitSound(float impulse)
-{
-    const int sound = random15() >> 12;
-    game()->playSound("hit" + std::to_string(sound + 1), impulse * volumePerImpulse, 0, nullptr);
-}
-
-void Board::onBallTrigger(const physx::PxTriggerPair& pair,
-                          const physx::PxContactPairHeader& actors)
-{
-    for (const auto& [actorId, block] : triggerBlocks) {
-        if (!game()->isContactBetween(level->ball->getId(), actorId, actors))
-            continue;
-        if (pair.status & physx::PxPairFlag::eNOTIFY_TOUCH_FOUND)
-            block->onBallEnter(level->ball);
-        else if (pair.status & physx::PxPairFlag::eNOTIFY_TOUCH_LOST)
-            block->onBallLeave(level->ball);
-    }
 }
 
 void Board::reset(bool resetBlocks)

@@ -15,7 +15,6 @@
 #include <vector>
 
 class QImage;
-struct LevelPixel;
 
 namespace physx {
 struct PxContactPair;
@@ -73,9 +72,6 @@ private:
     void createBody();
     void createShader();
     void createBlocks(const QImage& image);
-    /// Null, after a complaint where there is one to make, for a pixel that names no block.
-    Block* blockOfPixel(const LevelPixel& pixel, int column, int row, const osg::Vec2f& position,
-                        BlockGroup& group);
     void mergeStaticBlocks(int columns, int rows);
     void finishBody();
     void hang();

@@ -1,8 +1,7 @@
 #include "level/GameObject.h"
 
+#include "base/Say.h"
 #include "level/Level.h"
-
-#include <iostream>
 
 GameObject::GameObject(Level& owner) : level(&owner), id(owner.nextObjectId()) {}
 
@@ -10,32 +9,32 @@ GameObject::~GameObject() = default;
 
 void GameObject::contact(GameObject*)
 {
-    std::cout << "standard contact" << std::endl;
+    say("standard contact");
 }
 
 void GameObject::contactedBy(GameObject*)
 {
-    std::cout << "standard contactedBy" << std::endl;
+    say("standard contactedBy");
 }
 
 void GameObject::trigger(GameObject*)
 {
-    std::cout << "standard trigger" << std::endl;
+    say("standard trigger");
 }
 
 void GameObject::triggeredBy(GameObject*)
 {
-    std::cout << "standard triggeredBy" << std::endl;
+    say("standard triggeredBy");
 }
 
 void GameObject::untrigger(GameObject*)
 {
-    std::cout << "standard untrigger" << std::endl;
+    say("standard untrigger");
 }
 
 void GameObject::untriggeredBy(GameObject*)
 {
-    std::cout << "standard untriggeredBy" << std::endl;
+    say("standard untriggeredBy");
 }
 
 void GameObject::reset() {}

@@ -1,5 +1,6 @@
 #include "level/Level.h"
 
+#include "base/Say.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/ImageHUD.h"
@@ -8,14 +9,13 @@
 #include "level/BlockCheckpoint.h"
 #include "level/Board.h"
 #include "level/Ground.h"
+#include "level/PictureFile.h"
 #include "shaders/ShaderProgram.h"
 
-#include <QImage>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
 
 #include <algorithm>
-#include <iostream>
 #include <sstream>
 
 namespace {
@@ -38,7 +38,7 @@ osg::ref_ptr<osg::Drawable> readModel(const std::string& file)
     osg::Geode* geode = node ? node->asGeode() : nullptr;
     if (geode && geode->getNumDrawables() > 0)
         return geode->getDrawable(0);
-    std::cout << "I cannot read a model from " << file << std::endl;
+    say("I cannot read a model from ", file);
     return nullptr;
 }
 
@@ -53,7 +53,7 @@ Level::Level(unsigned int levelNumber, osg::Group* parentGroup, Rollix* owner)
 {
     const GameLoop::Lock worldLock;
     game_->createMaterial("holz", 0.2f, 0.05f, 0.0f);
-    std::cout << "reading level " << pictureFile << std::endl;
+    say("reading level ", pictureFile);
     root = new osg::Group;
     createShader();
     ground = new Ground(*this);
@@ -77,14 +77,16 @@ Level::~Level()
 void Level::createShader()
 {
     shader = new ShaderProgram(root);
-    shader->setVertexShader(game_->sharedShader("standardShader.vert", GL_VERTEX_SHADER));
-    shader->setFragmentShader(game_->sharedShader("standardShader.frag", GL_FRAGMENT_SHADER));
+    game_->setSharedStages(*shader, "standard");
 }
 
 void Level::createBoard()
 {
     board = new Board(*this);
-    board->load(QImage(QString::fromStdString(pictureFile)));
+    const PictureFile read = PictureFile::read(pictureFile);
+    if (!read.refusal.empty())
+        say(read.refusal);
+    board->load(read.picture);
 }
 
 void Level::createHud()

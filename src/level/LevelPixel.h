@@ -27,26 +27,26 @@ enum class BlockKind {
     Portal,
 };
 
-/// The kind that stands for this hue; ranges of 21 degrees around each kind's nominal one.
-BlockKind blockKindOfHue(int hue);
-
-/// The slope of a block without one. Ramps have 0 to 3: the high edge towards -y, +x, +y, -x.
-constexpr int flatSlope = 4;
-
-/// The smallest value that gives a block a body.
-constexpr int firstBodyValue = 57;
-
-/// What a pixel's value says of a block's body. Heights are in world units above the board.
-struct BlockShape
+struct HueRange
 {
-    bool hasBody;  // false under firstBodyValue: nothing to see and nothing to hit
-    float lowHeight;
-    float highHeight;
-    int slope;
-
-    static BlockShape ofValue(int value);
+    int first;
+    int last;
+    BlockKind kind;
 };
 
-/// The option that a saturation's offset stands for, in steps of three points: 0 under one point,
-/// else the nearest multiple of three. Lets a paint program round as it likes.
-int pixelStep(int offset);
+/// Ranges of 21 degrees around each kind's nominal hue, both ends included; the first match counts.
+/// Red lies on both sides of the circle's seam.
+constexpr HueRange hueRanges[] = {
+    {80, 100, BlockKind::Standard},  {125, 145, BlockKind::Checkpoint},
+    {260, 280, BlockKind::Button},   {215, 235, BlockKind::Ghost},
+    {170, 190, BlockKind::Elevator}, {-10, 10, BlockKind::Trap},
+    {350, 370, BlockKind::Trap},     {35, 55, BlockKind::Item},
+    {305, 325, BlockKind::Portal},
+};
+
+/// The kind that stands for this hue.
+BlockKind blockKindOfHue(int hue);
+
+/// Whether blocks of this kind have a body of their own, and cannot be without: all but floors and
+/// walls, which are merged into the board.
+bool hasOwnBody(BlockKind kind);

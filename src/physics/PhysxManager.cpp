@@ -1,6 +1,6 @@
 #include "physics/PhysxManager.h"
 
-#include "physics/PhysxMessages.h"
+#include "base/Say.h"
 
 #include <PxPhysicsAPI.h>
 #include <osg/ref_ptr>

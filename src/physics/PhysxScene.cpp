@@ -1,7 +1,7 @@
 #include "physics/PhysxScene.h"
 
+#include "base/Say.h"
 #include "physics/PhysxManager.h"
-#include "physics/PhysxMessages.h"
 
 #include <utility>
 

@@ -168,7 +168,7 @@ public:
     bool setD6Drive(unsigned int jointId, unsigned int driveIndex, float stiffness, float damping,
                     float forceLimit, bool acceleration);
     /// Frees, locks or limits a linear axis; limit and contact distance (-1 for PhysX's default)
-    /// count only for the motion "limited".
+    /// count only for the motion "limited". Numbers that PhysX does not know are refused.
     bool setD6Motion(unsigned int jointId, unsigned int axis, unsigned int motion, float limit,
                      float contactDistance);
     /// A negative distance means no such limit. The joint is slack from minimum less tolerance to

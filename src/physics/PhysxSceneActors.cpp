@@ -1,7 +1,7 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxLists.h"
 #include "physics/PhysxManager.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxLists.h"
 #include "physics/PhysxManager.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
 #include <algorithm>
@@ -180,6 +180,11 @@ bool PhysxScene::setD6Drive(unsigned int jointId, unsigned int driveIndex, float
     auto* joint = findJointOf<PxD6Joint>(jointId, "D6", "He cannot have a D6 drive.");
     if (!joint)
         return false;
+    // PhysX takes these numbers as indices of arrays, unchecked.
+    if (driveIndex >= PxD6Drive::eCOUNT) {
+        say("Joint ", jointId, " has no drive ", driveIndex, ". I cannot set it.");
+        return false;
+    }
     joint->setDrive(static_cast<PxD6Drive::Enum>(driveIndex),
                     PxD6JointDrive(stiffness, damping, forceLimit, acceleration));
     return true;
@@ -191,6 +196,11 @@ bool PhysxScene::setD6Motion(unsigned int jointId, unsigned int axis, unsigned i
     auto* joint = findJointOf<PxD6Joint>(jointId, "D6", "He cannot have a D6 joint limit.");
     if (!joint)
         return false;
+    if (axis >= PxD6Axis::eCOUNT || motion > PxD6Motion::eFREE) {
+        say("Joint ", jointId, " has no motion ", motion, " on an axis ", axis,
+            ". I cannot set it.");
+        return false;
+    }
     joint->setMotion(static_cast<PxD6Axis::Enum>(axis), static_cast<PxD6Motion::Enum>(motion));
     if (motion == PxD6Motion::eLIMITED) {
         const PxTolerancesScale scale = PhysxManager::physics()->getTolerancesScale();

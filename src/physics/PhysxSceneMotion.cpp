@@ -1,9 +1,10 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxLists.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
-#include <algorithm>
+#include <unordered_set>
+#include <vector>
 
 using namespace physx;
 
@@ -55,6 +56,7 @@ bool isInScene(const PxRigidActor& actor)
 std::vector<PxRigidDynamic*> attachedTo(const PxRigidActor& body)
 {
     std::vector<PxRigidDynamic*> attached;
+    std::unordered_set<const PxRigidActor*> known;
     for (const PxJoint* joint : jointsOf(body)) {
         const PxType type = joint->getConcreteType();
         if (type != PxJointConcreteType::eFIXED && type != PxJointConcreteType::eD6)
@@ -64,7 +66,7 @@ std::vector<PxRigidDynamic*> attachedTo(const PxRigidActor& body)
         PxRigidActor* partner = pair[0] == &body ? pair[1] : pair[0];
         PxRigidDynamic* other = partner ? partner->is<PxRigidDynamic>() : nullptr;
         // A body in its lock is tied twice.
-        if (other && std::find(attached.begin(), attached.end(), other) == attached.end())
+        if (other && known.insert(other).second)
             attached.push_back(other);
     }
     return attached;

@@ -1,6 +1,6 @@
+#include "base/Say.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxManager.h"
-#include "physics/PhysxMessages.h"
 #include "physics/PhysxScene.h"
 
 #include <QMutexLocker>
@@ -49,7 +49,10 @@ bool PhysxScene::createScene(const osg::Vec3f& gravity)
         description.cpuDispatcher = PxDefaultCpuDispatcherCreate(workerThreads, nullptr);
     description.filterShader = filterShader;
 
-    scene = PhysxManager::physics()->createScene(description);
+    // The release build of PhysX leaves these checks out.
+    scene = description.isValid() && description.gravity.isFinite()
+                ? PhysxManager::physics()->createScene(description)
+                : nullptr;
     if (!scene) {
         say("Unable to create Scene");
         return false;

@@ -1,11 +1,12 @@
 #include "shaders/FileAssociatedAsset.h"
 
+#include "base/Say.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QSet>
 
-#include <iostream>
 #include <mutex>
 
 // Neither is ever destroyed: an asset that a static object holds still has to find them at exit.
@@ -88,7 +89,7 @@ void FileAssociatedAsset::notify(const QString& path)
     followReplacement(path);
 
     const Lock lock(assetsMutex());
-    std::cout << path.toStdString() << " was changed" << std::endl;
+    say(path.toStdString(), " was changed");
     // One notice may take other assets of this file away, so the walk is over a copy.
     for (FileAssociatedAsset* asset : assets.values(path)) {
         if (assets.contains(path, asset))

@@ -1,11 +1,11 @@
 #include "shaders/ShaderProgram.h"
 
-#include "shaders/UnreadableFile.h"
+#include "base/Say.h"
+#include "base/UnreadableFile.h"
 
 #include <QFile>
 #include <osg/StateSet>
 
-#include <iostream>
 #include <utility>
 
 namespace {
@@ -179,8 +179,7 @@ void ShaderProgram::Shader::reload()
 
 void ShaderProgram::Shader::fileChanged(std::string)
 {
-    std::cout << shader->getTypename() << " Shader " << shader->getName() << " changed"
-              << std::endl;
+    say(shader->getTypename(), " Shader ", shader->getName(), " changed");
     reload();
 }
 
@@ -194,7 +193,7 @@ void ShaderProgram::CodeInjection::setCode(QString code, bool notify)
     code_ = std::move(code);
     if (!notify)
         return;
-    std::cout << "CodeInjection changed" << std::endl;
+    say("CodeInjection changed");
     for (Shader* shader : shaders)
         shader->fileChanged("");
 }

@@ -1,9 +1,10 @@
 #include "sound/FmodManager.h"
 
+#include "base/Say.h"
+
 #include <fmod_errors.h>
 #include <osg/ref_ptr>
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -24,10 +25,8 @@ FmodManager::FmodManager()
     result = FMOD::System_Create(&system_);
     result = system_->getVersion(&version);
     result = system_->init(channelCount, FMOD_INIT_NORMAL, nullptr);
-    if (result != FMOD_OK) {
-        std::printf("FMOD error %d - %s\n", result, FMOD_ErrorString(result));
-        std::fflush(stdout);
-    }
+    if (result != FMOD_OK)
+        say("FMOD error ", int(result), " - ", FMOD_ErrorString(result));
 }
 
 FmodManager* FmodManager::instance()
@@ -49,8 +48,6 @@ void FmodManager::shutdown()
 {
     FmodManager* owner = instance();
     owner->result = owner->system_->release();
-    if (owner->result != FMOD_OK) {
-        std::printf("FMOD ERROR: System did not terminate properly!\n");
-        std::fflush(stdout);
-    }
+    if (owner->result != FMOD_OK)
+        say("FMOD ERROR: System did not terminate properly!");
 }

@@ -1,11 +1,9 @@
 #include "sound/FmodScene.h"
 
+#include "base/Say.h"
 #include "sound/FmodManager.h"
 
 #include <fmod_errors.h>
-
-#include <cstdio>
-#include <iostream>
 
 namespace {
 constexpr int playOnce = 0;
@@ -34,8 +32,7 @@ bool FmodScene::playSound(std::string name, float volume, int mode, int* channel
 {
     const auto found = sounds.find(name);
     if (found == sounds.end()) {
-        std::printf("I do not know the sound %s !\n", name.c_str());
-        std::fflush(stdout);
+        say("I do not know the sound ", name, " !");
         return false;
     }
 
@@ -65,7 +62,6 @@ bool FmodScene::checkResult(FMOD_RESULT checked) const
 {
     if (checked == FMOD_OK)
         return true;
-    std::cout << "FMOD error " << static_cast<int>(checked) << " - " << FMOD_ErrorString(checked)
-              << std::endl;
+    say("FMOD error ", int(checked), " - ", FMOD_ErrorString(checked));
     return false;
 }

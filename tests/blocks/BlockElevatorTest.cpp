@@ -1,5 +1,6 @@
 #include "blocks/BlockElevator.h"
 
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
@@ -20,7 +21,6 @@ constexpr int hue = 180;
 constexpr int blockValue = 86;  // a cube
 constexpr double cubeHeight = 1.0;
 constexpr double floorHeight = 0.5;
-constexpr double ballRadius = 0.3;
 constexpr unsigned int kinematic = 2;
 constexpr unsigned int force = 0;
 
@@ -106,7 +106,7 @@ protected:
     {
         unparksBall();
         const osg::Vec3d top =
-            way(block) + osg::Vec3d(block.x, block.y, block.height + ballRadius + 0.005);
+            way(block) + osg::Vec3d(block.x, block.y, block.height + world::ballRadius + 0.005);
         putsBall(top * boardPose());
         ticks(2);
     }
@@ -203,7 +203,7 @@ TEST_F(BlockElevatorTest, ReadsModeAndTravelFromEverySaturation)
         const int band = automatically ? automaticBand : manualBand;
         // A step's nominal saturation and its two neighbours.
         const int step = std::max(0, (saturation - band + 1) / 3);
-        const BlockElevator::Way way = BlockElevator::Way::ofSaturation(saturation);
+        const ElevatorOption way = ElevatorOption::ofSaturation(saturation);
         EXPECT_EQ(way.automatic, automatically);
         EXPECT_EQ(way.travel, travels[step]);
     }
@@ -327,7 +327,7 @@ TEST_F(BlockElevatorTest, CarriesARestingBallUpAndDown)
         Block& block = loadsOne(manual(step), 21);
         putsBallOn(block);
         for (const double end : {travels[step], 0.0}) {
-            const double rest = cubeHeight + end + ballRadius;
+            const double rest = cubeHeight + end + world::ballRadius;
             block.onSignal(nullptr);
             // It may be thrown up first: the block is much faster than free fall.
             EXPECT_TRUE(ticksUntil(
@@ -497,7 +497,7 @@ TEST_F(BlockElevatorTest, IsKeptFromItsEndByABallThatBlocksTheWay)
         }
         const double middle = block.height + (up ? 0.5 : -0.5) * std::abs(travels[step]);
         game.setPose(ball().getId(),
-                     osg::Matrixd::translate(block.x, block.y, middle + ballRadius));
+                     osg::Matrixd::translate(block.x, block.y, middle + world::ballRadius));
         ticks(2);
         endsRest(block);
         for (int i = 0; i < 100; ++i) {

@@ -106,7 +106,7 @@ TEST_F(BlockGhostTest, ReadsStateAndPeriodFromEverySaturation)
                               2.0, 2.0, 2.5, 2.5, 2.5, 3.0, 3.0, 3.0};
     for (int saturation = 0; saturation <= 100; ++saturation) {
         SCOPED_TRACE(saturation);
-        const BlockGhost::Rhythm rhythm = BlockGhost::Rhythm::ofSaturation(saturation);
+        const GhostOption rhythm = GhostOption::ofSaturation(saturation);
         EXPECT_EQ(rhythm.initiallyOpaque, saturation >= 79);
         double period = 0.0;
         if (saturation < 50 || saturation == 79)

@@ -1,6 +1,7 @@
 #include "blocks/BlockItem.h"
 
 #include "BlockTest.h"
+#include "base/WorldNumbers.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
@@ -21,8 +22,6 @@ constexpr int heartsOfTwo = 73;
 constexpr int heartsLess = 60;
 constexpr int weightOfOneSecond = 50;
 constexpr int plainCoin = 48;
-
-constexpr double gravity = 9.81;
 
 class BlockItemTest : public BlockTest
 {
@@ -202,7 +201,7 @@ TEST_F(BlockItemTest, WeightFreesTheBallOfGravity)
     loadsItem(weightOfOneSecond);
     putsBall(osg::Vec3d(0.0, 3.0, 5.0));
     ticks();
-    EXPECT_NEAR(fall(), gravity * tickSeconds, 1e-3);
+    EXPECT_NEAR(fall(), world::gravity * world::secondsPerTick, 1e-3);
     touches(item());
     EXPECT_NEAR(fall(), 0.0, 1e-4);
     EXPECT_EQ(level().coinCount(), 0);
@@ -218,7 +217,7 @@ TEST_F(BlockItemTest, RestartDuringAWeightGivesGravityBackAndTheWeightToo)
     level().restart(true);
     putsBall(osg::Vec3d(0.0, 3.0, 5.0));
     ticks();
-    EXPECT_NEAR(fall(), gravity * tickSeconds, 1e-3);
+    EXPECT_NEAR(fall(), world::gravity * world::secondsPerTick, 1e-3);
 
     touches(item());
     EXPECT_NEAR(fall(), 0.0, 1e-4);

@@ -2,6 +2,7 @@
 
 #include "BlockTest.h"
 #include "FrameGrab.h"
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hand/HandCamera.h"
@@ -28,8 +29,6 @@ constexpr int topFace = 4;
 constexpr int weak = 0;  // saturation over the band: no pull
 constexpr int strong = 6;
 
-constexpr double gravity = 9.81;
-constexpr double ballRadius = 0.3;
 constexpr double floorTop = 0.5;
 
 Cell portalCell(int face, int pull = weak, int value = flatOne)
@@ -86,7 +85,7 @@ protected:
     {
         const osg::Vec3d away = face == topFace ? osg::Vec3d(1.0, 0.0, 0.0) : -outward(face);
         osg::Vec3d from = positionOf(block) + away;
-        from.z() = floorTop + ballRadius;
+        from.z() = floorTop + world::ballRadius;
         putsBall(from, osg::Vec3f(away * -2.0));
         ticks(6);
         return (ballPosition() - positionOf(block)) * away > 0.78;
@@ -96,7 +95,7 @@ protected:
     void rollsInto(const BlockPortal& block, int face, float speed)
     {
         const osg::Vec3d into(directionInto(PortalFace(face)));
-        osg::Vec3d from(block.x, block.y, floorTop + ballRadius);
+        osg::Vec3d from(block.x, block.y, floorTop + world::ballRadius);
         from -= into * 2.6;
         if (face == topFace)
             from.z() = block.height + 2.3;
@@ -235,9 +234,10 @@ TEST_F(BlockPortalTest, BallCrossesBetweenAllPairsOfFaces)
             // The velocity of the entry, turned from the way in to the way out, one push, and
             // gravity again.
             const osg::Matrixd turn = osg::Matrixd::rotate(-outward(from), outward(to));
-            const osg::Vec3d expected = osg::Matrixd::transform3x3(osg::Vec3d(before), turn) +
-                                        outward(to) * speedOfForce(2.0) -
-                                        osg::Vec3d(0.0, 0.0, gravity * tickSeconds);
+            const osg::Vec3d expected =
+                osg::Matrixd::transform3x3(osg::Vec3d(before), turn) +
+                outward(to) * speedOfForce(2.0) -
+                osg::Vec3d(0.0, 0.0, world::gravity * world::secondsPerTick);
             const osg::Vec3d velocity(ballVelocity());
             EXPECT_NEAR(velocity * outward(to), expected * outward(to), 0.35);
             EXPECT_NEAR((velocity - expected).length(), 0.0, 0.6);
@@ -278,8 +278,9 @@ TEST_F(BlockPortalTest, VelocityTurnsByTheCrossingExactly)
         }
         ASSERT_EQ(receiver().getState(), BlockPortal::Releasing);
         const osg::Matrixd turn = osg::Matrixd::rotate(into, outward(topFace));
-        const osg::Vec3d expected = osg::Matrixd::transform3x3(before, turn) +
-                                    outward(topFace) * (speedOfForce(2.0) - gravity * tickSeconds);
+        const osg::Vec3d expected =
+            osg::Matrixd::transform3x3(before, turn) +
+            outward(topFace) * (speedOfForce(2.0) - world::gravity * world::secondsPerTick);
         EXPECT_NEAR((osg::Vec3d(ballVelocity()) - expected).length(), 0.0, 0.01);
     }
 }
@@ -301,7 +302,7 @@ TEST_F(BlockPortalTest, BallIsPutWhereItsPlaceInTheSenderSays)
     // A quarter turn brings the way in, -x, to the way out, -y; one unit out of the receiver.
     const osg::Vec3d expected =
         positionOf(receiver()) + osg::Vec3d(-before.y(), before.x() - 1.0, before.z());
-    const osg::Vec3d moved = osg::Vec3d(ballVelocity()) * tickSeconds;
+    const osg::Vec3d moved = osg::Vec3d(ballVelocity()) * world::secondsPerTick;
     EXPECT_NEAR((ballPosition() - expected - moved).length(), 0.0, 0.01);
 }
 

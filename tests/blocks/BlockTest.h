@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/WorldNumbers.h"
 #include "level/Block.h"
 #include "support/GameTest.h"
 
@@ -78,12 +79,8 @@ QImage cutout(const QImage& frame, const QPoint& middle, int reach);
 /// The frame's pixels whose red is well above their green and blue: the ball, for one.
 int redPixels(const QImage& picture);
 
-/// The mass of the ball: the density is 1.
-constexpr double ballMass = 4.0 / 3.0 * 3.14159265358979 * 0.3 * 0.3 * 0.3;
-constexpr double tickSeconds = 1.0 / 30.0;
-
 /// What a force of one tick adds to the ball's speed.
 constexpr double speedOfForce(double force)
 {
-    return force * tickSeconds / ballMass;
+    return force * world::secondsPerTick / world::ballMass;
 }

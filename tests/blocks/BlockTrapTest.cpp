@@ -1,6 +1,7 @@
 #include "blocks/BlockTrap.h"
 
 #include "BlockTest.h"
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
@@ -404,12 +405,11 @@ TEST_F(BlockTrapTest, WellPullsInsideTheCubeOfItsSideOnly)
     const double side[] = {3.0, 4.0, 6.0, 7.0};
     for (int step = 0; step < 4; ++step) {
         SCOPED_TRACE(step);
-        const double ballRadius = 0.3;
         loadsTrap(wellOfStep[step]);
-        hoversAbove(trap(), side[step] / 2.0 + ballRadius + 0.05);
+        hoversAbove(trap(), side[step] / 2.0 + world::ballRadius + 0.05);
         ticks(3);
         EXPECT_NEAR(ballVelocity().length(), 0.0, 1e-4);
-        hoversAbove(trap(), side[step] / 2.0 + ballRadius - 0.05);
+        hoversAbove(trap(), side[step] / 2.0 + world::ballRadius - 0.05);
         ticks();
         EXPECT_LT(ballVelocity().z(), -0.01f);
     }

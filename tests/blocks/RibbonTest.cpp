@@ -1,5 +1,6 @@
 #include "blocks/Ribbon.h"
 
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hud/MenuHUD.h"
@@ -17,7 +18,7 @@
 namespace {
 
 constexpr unsigned int vertexCount = 50;
-constexpr float halfWidth = 0.3f;
+constexpr float halfWidth = world::ballRadius;
 
 /// A trail of its own behind a transform that the test moves, on a board that the test turns; it
 /// reads the velocity of the game's ball.

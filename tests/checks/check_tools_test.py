@@ -16,6 +16,17 @@ TABLE = """# How it is built
 | `platform/leap` | nothing |
 
 | `hud` | `physics` |
+
+<!-- arrows, drawn by tools/check-includes --draw -->
+```mermaid
+graph TD
+    hud[hud]
+    frame[frame]
+    platform_leap[platform/leap]
+    hud --> frame
+    hud --> platform_leap
+```
+<!-- end of arrows -->
 """
 
 
@@ -37,36 +48,106 @@ class Tree(unittest.TestCase):
 
 
 class CheckIncludes(Tree):
-    def test_is_content_with_includes_that_follow_the_arrows(self):
+    def setUp(self):
+        super().setUp()
         self.write("src/hud/Menu.h", '#include "hud/Line.h"\n#include <osg/Node>\n')
         self.write("src/hud/Menu.cpp", '#include "frame/GameLoop.h"\n#include <Leap.h>\n')
+
+    def table(self, old, new):
+        path = self.root / "docs/architecture.md"
+        text = path.read_text(encoding="utf-8")
+        self.assertIn(old, text)
+        path.write_text(text.replace(old, new), encoding="utf-8")
+
+    def complaints(self):
+        """What the check says about the tree once the picture is drawn anew."""
+        subprocess.run([ROOT / "tools/check-includes", "--draw", self.root], check=False,
+                       stdout=subprocess.DEVNULL)
+        return self.run_tool("check-includes")
+
+    def test_is_content_with_includes_that_follow_the_arrows(self):
         self.assertEqual(self.run_tool("check-includes"), (0, []))
 
     def test_names_file_and_line_of_an_include_against_the_arrows(self):
         self.write("src/frame/GameLoop.h", '#pragma once\n\n#  include "hud/Menu.h"\n')
-        self.assertEqual(self.run_tool("check-includes"),
+        self.assertEqual(self.complaints(),
                          (1, ["src/frame/GameLoop.h:3: frame may not include hud"]))
 
     def test_knows_the_folder_of_a_header_that_is_included_by_its_vendors_name(self):
         self.write("src/frame/GameLoop.cpp", "#include <Leap.h>\n")
-        self.assertEqual(self.run_tool("check-includes"),
+        self.assertEqual(self.complaints(),
                          (1, ["src/frame/GameLoop.cpp:1: frame may not include platform/leap"]))
 
     def test_ends_the_table_at_its_last_row(self):
-        self.write("src/hud/Menu.cpp", '#include "physics/PhysxScene.h"\n')
-        self.write("docs/architecture.md", TABLE.replace("| nothing |", "| |\n| `physics` | |"))
-        self.assertEqual(self.run_tool("check-includes"),
-                         (1, ["src/hud/Menu.cpp:1: hud may not include physics"]))
+        self.write("src/hud/Line.cpp", '#include "physics/PhysxScene.h"\n')
+        self.table("| nothing |", "| |\n| `physics` | |")
+        self.assertEqual(self.complaints(),
+                         (1, ["src/hud/Line.cpp:1: hud may not include physics"]))
 
     def test_asks_for_a_row_for_every_folder(self):
         self.write("src/video/Film.h", "#pragma once\n")
-        self.assertEqual(self.run_tool("check-includes"),
+        self.assertEqual(self.complaints(),
                          (1, ["src/video/Film.h: video has no row in docs/architecture.md"]))
 
     def test_refuses_an_arrow_to_a_folder_without_a_row(self):
-        self.write("docs/architecture.md", TABLE.replace("`frame`, ", "`frame`, `films`, "))
-        self.assertEqual(self.run_tool("check-includes"),
+        self.table("`frame`, `platform", "`frame`, `films`, `platform")
+        self.assertEqual(self.complaints(),
                          (1, ["docs/architecture.md: hud may include films, no such row"]))
+
+    def test_refuses_an_arrow_that_no_include_follows(self):
+        self.table("| `frame` | |", "| `frame` | `platform/leap` |")
+        self.assertEqual(self.complaints(),
+                         (1, ["docs/architecture.md: frame may include platform/leap, "
+                              "and never does"]))
+
+    def closes_a_circle(self):
+        self.write("src/frame/GameLoop.cpp", '#include "hud/Menu.h"\n')
+        self.table("| `frame` | |", "| `frame` | `hud` |")
+
+    def test_refuses_a_circle_that_is_not_named(self):
+        self.closes_a_circle()
+        self.assertEqual(self.complaints(),
+                         (1, ["docs/architecture.md: hud to frame to hud is a circle that no "
+                              "arrow back names"]))
+
+    def test_sees_a_circle_over_more_than_two_folders(self):
+        self.write("src/frame/GameLoop.cpp", "#include <Leap.h>\n")
+        self.write("src/platform/leap/Hand.cpp", '#include "hud/Menu.h"\n')
+        self.write("src/hud/Menu.cpp", '#include "frame/GameLoop.h"\n')
+        self.table("`frame`, `platform/leap` |", "`frame` |")
+        self.table("| `frame` | |", "| `frame` | `platform/leap` |")
+        self.table("| nothing |", "| `hud` |")
+        self.assertEqual(self.complaints(),
+                         (1, ["docs/architecture.md: hud to frame to platform/leap to hud is a "
+                              "circle that no arrow back names"]))
+
+    def test_is_content_with_a_circle_that_is_named(self):
+        self.closes_a_circle()
+        self.table("\n<!-- arrows",
+                   "\n| Arrow back | Why |\n|---|---|\n| `frame` to `hud` | so |\n\n<!-- arrows")
+        self.assertEqual(self.complaints(), (0, []))
+
+    def test_refuses_an_arrow_back_that_closes_no_circle(self):
+        self.table("\n<!-- arrows",
+                   "\n| Arrow back | Why |\n|---|---|\n| `hud` to `frame` | so |\n\n<!-- arrows")
+        self.assertEqual(self.complaints(),
+                         (1, ["docs/architecture.md: hud to frame is an arrow back, "
+                              "and closes no circle"]))
+
+    def test_refuses_a_picture_that_the_includes_have_left_behind(self):
+        self.write("src/frame/GameLoop.cpp", "#include <Leap.h>\n")
+        self.table("| `frame` | |", "| `frame` | `platform/leap` |")
+        self.assertEqual(self.run_tool("check-includes"),
+                         (1, ["docs/architecture.md: the picture of the arrows is not current "
+                              "(tools/check-includes --draw)"]))
+        self.assertEqual(self.complaints(), (0, []))
+
+    def test_leaves_out_of_the_picture_what_a_longer_way_says_too(self):
+        self.write("src/frame/GameLoop.cpp", "#include <Leap.h>\n")
+        self.table("| `frame` | |", "| `frame` | `platform/leap` |")
+        self.assertEqual(self.complaints(), (0, []))
+        text = (self.root / "docs/architecture.md").read_text(encoding="utf-8")
+        self.assertIn("    hud --> frame\n    frame --> platform_leap\n```", text)
 
     def test_fails_when_there_is_no_table(self):
         self.write("docs/architecture.md", "# How it is built\n")

@@ -1,3 +1,4 @@
+#include "base/WorldNumbers.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Board.h"
@@ -97,8 +98,8 @@ TEST_F(PlayTest, RollsTheBallDownATiltedBoard)
         putsBallOnBoard(osg::Vec3d(-7.0, 0.0, restHeight), axis, degrees);
         ticks(21);
         // A solid ball that does not slip: 5/7 of the slope's pull.
-        const double expected =
-            20.0 / 30.0 * 9.81 * std::sin(osg::DegreesToRadians(degrees)) * 5.0 / 7.0;
+        const double expected = 20.0 * world::secondsPerTick * world::rollingGravity *
+                                std::sin(osg::DegreesToRadians(degrees));
         EXPECT_NEAR(ballVelocity().length(), expected, expected * 0.1 + 0.05);
         EXPECT_GT(ballVelocity().x(), 0.0f);
     }
@@ -132,7 +133,8 @@ TEST_F(PlayTest, RidesRampsOfAllFourDirections)
             comesToRest(osg::Vec3d(0.0, 0.0, restHeight));
             game.setLinearVelocity(ball().getId(), way.uphill * 5.0f, true);
             game.setAngularVelocity(ball().getId(),
-                                    (osg::Vec3f(0, 0, 1) ^ way.uphill) * (5.0f / 0.3f), true);
+                                    (osg::Vec3f(0, 0, 1) ^ way.uphill) * (5.0f / world::ballRadius),
+                                    true);
             EXPECT_TRUE(
                 ticksUntil([&] { return osg::Vec3f(ballPosition()) * way.uphill > 3.0f; }, 60));
             EXPECT_NEAR(ballPosition().z(), 1.0 + radius, 0.25) << "half a unit higher up";

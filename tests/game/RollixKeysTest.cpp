@@ -1,3 +1,4 @@
+#include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -102,11 +103,11 @@ TEST_F(RollixKeysTest, TurnTheBoardFasterByATenthOfARadianASecondInEveryTick)
 {
     presses(Qt::Key_Up);
     // Damping takes a thirtieth of it in the same step.
-    EXPECT_NEAR(turnOfATick().length(), 0.1 * (1.0 - 1.0 / 30.0), 0.002);
+    EXPECT_NEAR(turnOfATick().length(), 0.1 * (1.0 - world::secondsPerTick), 0.002);
     double before = boardTurn().length();
     for (int i = 0; i < 5; ++i) {
         ticks();
-        EXPECT_NEAR(boardTurn().length(), (before + 0.1) * (1.0 - 1.0 / 30.0), 0.004);
+        EXPECT_NEAR(boardTurn().length(), (before + 0.1) * (1.0 - world::secondsPerTick), 0.004);
         before = boardTurn().length();
     }
 }
@@ -115,7 +116,8 @@ TEST_F(RollixKeysTest, AddUp)
 {
     presses(Qt::Key_Up);
     presses(Qt::Key_Right);
-    EXPECT_NEAR(turnOfATick().length(), std::sqrt(2.0) * 0.1 * (1.0 - 1.0 / 30.0), 0.003);
+    EXPECT_NEAR(turnOfATick().length(), std::sqrt(2.0) * 0.1 * (1.0 - world::secondsPerTick),
+                0.003);
     presses(Qt::Key_Down);
     presses(Qt::Key_Left);
     EXPECT_LT(turnOfATick().length(), 0.005);

@@ -54,6 +54,7 @@ TEST_F(RollixTest, AdvancesAThirtiethOfASecondInEachOfFiftyTicks)
     ticks();
     const float before = ballVelocity().z();
     ticks();
+    // The numbers themselves: everywhere else they stand by their names.
     EXPECT_NEAR(ballVelocity().z() - before, -9.81f / 30.0f, 1e-4f);
 }
 

@@ -1,18 +1,18 @@
 #include "TiltPlayer.h"
 
 #include "HandGameTest.h"
+#include "base/WorldNumbers.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double gravity = 9.81 * 5.0 / 7.0;  // of a ball that rolls
-constexpr double approach = 1.0;              // wanted speed per unit of distance, 1/s
-constexpr double topSpeed = 2.0;              // units/s
-constexpr double obedience = 1.2;             // wanted acceleration per unit of missing speed, 1/s
-constexpr double gentleTilt = 0.2;            // sine of the board's angle
-constexpr double leastLead = 0.11;            // radians: a smaller one commands nothing
+constexpr double approach = 1.0;    // wanted speed per unit of distance, 1/s
+constexpr double topSpeed = 2.0;    // units/s
+constexpr double obedience = 1.2;   // wanted acceleration per unit of missing speed, 1/s
+constexpr double gentleTilt = 0.2;  // sine of the board's angle
+constexpr double leastLead = 0.11;  // radians: a smaller one commands nothing
 constexpr double mostLead = 0.45;
 constexpr double leadPerTilt = 2.0;    // how far the hand goes ahead, per missing tilt
 constexpr double closeEnough = 0.015;  // sine of the angle that is not worth a move
@@ -105,6 +105,7 @@ osg::Vec2d TiltPlayer::tiltTowards(const CellPosition& target, const PlayerView&
                    within((map.y(way[corner]) - ball.y()) * approach, topSpeed), 0.0);
     }
     wanted = osg::Matrixd::transform3x3(wanted, view.board);
-    return {within((wanted.x() - view.velocity.x()) * obedience / gravity, gentleTilt),
-            within((wanted.y() - view.velocity.y()) * obedience / gravity, gentleTilt)};
+    return {
+        within((wanted.x() - view.velocity.x()) * obedience / world::rollingGravity, gentleTilt),
+        within((wanted.y() - view.velocity.y()) * obedience / world::rollingGravity, gentleTilt)};
 }

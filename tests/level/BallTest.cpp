@@ -1,5 +1,6 @@
 #include "level/Ball.h"
 
+#include "base/WorldNumbers.h"
 #include "blocks/Ribbon.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
@@ -15,7 +16,7 @@ using namespace physx;
 
 namespace {
 
-constexpr double oneStepOfFall = 9.81 / 30.0 / 30.0;
+constexpr double oneStepOfFall = world::gravity * world::secondsPerTick * world::secondsPerTick;
 
 class BallTest : public GameTest
 {
@@ -84,7 +85,7 @@ TEST_F(BallTest, StaysWhereItIsWithoutACheckpoint)
     const osg::Vec3d before = ballPosition();
     ball().reset();
     ticks();
-    EXPECT_NEAR(ballPosition().x(), before.x() + 1.0 / 30.0, 1e-3);
+    EXPECT_NEAR(ballPosition().x(), before.x() + world::secondsPerTick, 1e-3);
 }
 
 TEST_F(BallTest, StaysOverTheOriginOfALevelOfNothing)

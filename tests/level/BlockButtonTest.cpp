@@ -149,23 +149,20 @@ private:
     }
 };
 
-TEST_F(BlockButtonTest, ReadsModeColourAndTimeFromEverySaturation)
+TEST_F(BlockButtonTest, ReadsModeAndTimeFromEverySaturation)
 {
     for (int saturation = 0; saturation <= 100; ++saturation) {
         SCOPED_TRACE(saturation);
-        const BlockButton::Behaviour behaviour = BlockButton::Behaviour::ofSaturation(saturation);
+        const ButtonOption option = ButtonOption::ofSaturation(saturation);
         if (saturation >= 91 || saturation < 49) {
-            EXPECT_EQ(behaviour.mode, 0);
-            EXPECT_EQ(behaviour.color, red);
+            EXPECT_EQ(int(option.mode), 0);
         } else if (saturation < 59) {
-            EXPECT_EQ(behaviour.mode, 2);
-            EXPECT_EQ(behaviour.color, yellow);
-            EXPECT_EQ(behaviour.coolDown, 1.0f);
+            EXPECT_EQ(int(option.mode), 2);
+            EXPECT_EQ(option.coolDown, 1.0f);
         } else {
-            EXPECT_EQ(behaviour.mode, 1);
-            EXPECT_EQ(behaviour.color, blue);
+            EXPECT_EQ(int(option.mode), 1);
             // 1 for 59 to 61, 2 for 62 to 64, and so on.
-            EXPECT_EQ(behaviour.coolDown, float((saturation - 59) / 3 + 1));
+            EXPECT_EQ(option.coolDown, float((saturation - 59) / 3 + 1));
         }
     }
 }

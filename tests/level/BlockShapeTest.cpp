@@ -1,3 +1,5 @@
+#include "level/BlockShape.h"
+
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Block.h"
@@ -368,10 +370,10 @@ TEST_F(BlockShapeTest, IsRefusedWithoutABodyIfItNeedsOne)
             loads(picture);
             EXPECT_EQ(output.text(),
                       "reading level data/Rollix/level0.png\n"
-                      "I cannot build the block of data/Rollix/level0.png at column 2, row 1: it "
-                      "has hue " +
+                      "I cannot build 1 of the blocks of data/Rollix/level0.png: a value under 57 "
+                      "gives no body. The first is at column 2, row 1: hue " +
                           std::to_string(hue) + ", saturation 100, value " + std::to_string(value) +
-                          ", alpha 200, and a value under 57 gives it no body.\n");
+                          ", alpha 200.\n");
             EXPECT_EQ(board().getBlocks().size(), 1u);
             EXPECT_EQ(board().getGroups().count(200), 1u);
             ticks(3);

@@ -1,5 +1,8 @@
 #include "level/LevelPixel.h"
 
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>

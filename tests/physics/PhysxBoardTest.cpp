@@ -1,3 +1,4 @@
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
 
 #include <algorithm>
@@ -236,9 +237,10 @@ TEST_F(PhysxBoard, LetsTheBallRollDownWhenItTilts)
     scene->step(gameStep);
     dropBall(osg::Vec3f(-2, 0, 0.8f) * osg::Matrixd::rotate(slant, osg::Vec3f(0, 1, 0)));
     scene->steps(30);
-    const double rolling = 5.0 / 7.0 * 9.81 * std::sin(slant);  // of a solid sphere, after a second
+    const double rolling = world::rollingGravity * std::sin(slant);  // after a second
     EXPECT_NEAR(scene->linearVelocity(ballId).length(), rolling, 0.1);
-    EXPECT_NEAR(scene->body(ballId)->getAngularVelocity().magnitude() * 0.3, rolling, 0.1)
+    EXPECT_NEAR(scene->body(ballId)->getAngularVelocity().magnitude() * world::ballRadius, rolling,
+                0.1)
         << "it rolls and does not slide";
 }
 

@@ -1,5 +1,6 @@
 #include "physics/PhysxManager.h"
 
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
 
 #include <PxPhysicsAPI.h>
@@ -38,9 +39,10 @@ void exitWithALiveScene()
 {
     auto* scene = new TestScene;
     scene->ref();
-    scene->createScene(osg::Vec3f(0, 0, -9.81f));
+    scene->createScene(osg::Vec3f(0, 0, -world::gravity));
     scene->createMaterial("holz", 0.2f, 0.05f, 0.0f);
-    scene->createSphere(0, 0.3, 1.0, "holz", 0, kind::ball, kind::ballMask);
+    scene->createSphere(0, world::ballRadius, world::ballDensity, "holz", 0, kind::ball,
+                        kind::ballMask);
     scene->steps(3);
     std::exit(0);
 }

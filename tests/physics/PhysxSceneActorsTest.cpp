@@ -1,6 +1,9 @@
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
 
+#include <cmath>
 #include <limits>
+#include <string>
 
 using namespace physx;
 
@@ -48,6 +51,36 @@ TEST_F(PhysxSceneActors, KeepTheIdOfABodyOfAnUnknownMaterial)
     EXPECT_FALSE(made);
     EXPECT_FALSE(scene->actors.at(7)->getScene());
     scene->steps(2);
+}
+
+TEST_F(PhysxSceneActors, AreRefusedAShapeOfAnUnknownMaterialWhateverItsKind)
+{
+    const std::string refused = "Failed to create shape for actor\n";
+    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(scene->createSphere(0, 0.3, 1.0, "gold", 0, 4, 3)); }),
+              refused);
+    EXPECT_EQ(
+        outputOf([&] { EXPECT_FALSE(scene->createConvex(1, unitCube(), 1.0, "gold", 0, 2, 4)); }),
+        refused);
+    EXPECT_EQ(outputOf([&] {
+                  EXPECT_FALSE(scene->createPlane(2, "gold", {0, 0, 0}, {0, 0, 1}, 1, 4));
+              }),
+              refused);
+    scene->createActor(3, 0);
+    EXPECT_EQ(
+        outputOf([&] { EXPECT_FALSE(scene->addConvexShape(3, unitCube(), "gold", 2, 4, false)); }),
+        refused);
+    for (unsigned int id = 0; id < 4; ++id) {
+        SCOPED_TRACE(id);
+        EXPECT_EQ(scene->actors.at(id)->getNbShapes(), 0u);
+        EXPECT_EQ(outputOf([&] { EXPECT_FALSE(box(id)); }),
+                  "There already is an actor with id " + std::to_string(id) + "\n");
+    }
+    EXPECT_FALSE(scene->actors.at(0)->getScene());
+    EXPECT_FALSE(scene->actors.at(1)->getScene());
+    EXPECT_TRUE(scene->actors.at(2)->getScene()) << "the plane, which stops nobody";
+    ball(4, {0, 0, 1});
+    scene->steps(30);
+    EXPECT_LT(scene->position(4).z(), -2.0f);
 }
 
 TEST_F(PhysxSceneActors, TakeTheNameOfAnUnknownMaterial)
@@ -128,6 +161,33 @@ TEST_F(PhysxSceneActors, RefuseConvexShapesOfNoVolume)
     scene->steps(2);
 }
 
+TEST_F(PhysxSceneActors, HaveAHullOfAtMost255OfTheirPoints)
+{
+    // Evenly over a sphere of radius 2, along a spiral: every point is a corner of the hull.
+    constexpr int count = 1000;
+    constexpr double goldenAngle = 2.399963229728653;
+    constexpr float radius = 2.0f;
+    osg::ref_ptr<osg::Vec3Array> globe = new osg::Vec3Array;
+    for (int i = 0; i < count; ++i) {
+        const double z = 1.0 - (2.0 * i + 1.0) / count;
+        const double ring = std::sqrt(1.0 - z * z);
+        globe->push_back(osg::Vec3f(float(ring * std::cos(i * goldenAngle)),
+                                    float(ring * std::sin(i * goldenAngle)), float(z)) *
+                         radius);
+    }
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(convex(0, globe)); }), "");
+    PxShape* shape = nullptr;
+    scene->actors.at(0)->getShapes(&shape, 1);
+    const PxConvexMesh* hull =
+        static_cast<const PxConvexMeshGeometry&>(shape->getGeometry()).convexMesh;
+    EXPECT_LE(hull->getNbVertices(), 255u);
+    EXPECT_GT(hull->getNbVertices(), 100u);
+    const float volume = 4.0f / 3.0f * 3.14159265f * radius * radius * radius;
+    EXPECT_NEAR(scene->body(0)->getMass(), volume, 0.06f * volume);
+    scene->steps(3);
+    EXPECT_LT(scene->position(0).z(), 0.0f);
+}
+
 TEST_F(PhysxSceneActors, RefuseAPlaneWithoutANormal)
 {
     EXPECT_EQ(outputOf([&] {
@@ -180,7 +240,7 @@ TEST_F(PhysxSceneActors, WeighABoxByItsFullEdges)
 
 TEST_F(PhysxSceneActors, WeighASphereAndAConvexByTheirVolume)
 {
-    scene->createSphere(0, 0.3, 1.0, "holz", 0, 4, 3);
+    scene->createSphere(0, world::ballRadius, world::ballDensity, "holz", 0, 4, 3);
     EXPECT_NEAR(scene->body(0)->getMass(), 4.0f / 3.0f * 3.14159265f * 0.027f, 1e-4f);
     EXPECT_TRUE(convex(1, unitCube()));
     EXPECT_NEAR(scene->body(1)->getMass(), 1.0f, 1e-3f);
@@ -203,7 +263,7 @@ TEST_F(PhysxSceneActors, MakeOneBodyOfManyShapes)
 
 TEST_F(PhysxSceneActors, PutTheFilterWordsIntoTheFirstTwo)
 {
-    scene->createSphere(0, 0.3, 1.0, "holz", 0, 4, 3);
+    scene->createSphere(0, world::ballRadius, world::ballDensity, "holz", 0, 4, 3);
     PxShape* shape = nullptr;
     scene->actors.at(0)->getShapes(&shape, 1);
     const PxFilterData data = shape->getSimulationFilterData();

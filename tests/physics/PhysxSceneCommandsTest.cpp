@@ -1,5 +1,7 @@
 #include "physics/PhysxTestScene.h"
 
+#include <functional>
+#include <iterator>
 #include <limits>
 
 using namespace physx;
@@ -163,6 +165,29 @@ TEST_F(PhysxSceneCommands, TurnABodyByATorque)
     scene->addTorque(0, {0, 0, 0.5f}, 2, true);
     scene->step(gameStep);
     EXPECT_NEAR(scene->body(0)->getAngularVelocity().z, 0.5f, 0.02f);
+}
+
+TEST_F(PhysxSceneCommands, WakeASleepingBodyByNothingIfTheyAreToAndNotOtherwise)
+{
+    // A push that is more than nothing wakes a body in any case.
+    constexpr unsigned int velocityChange = PhysxScene::forceModeVelocityChange;
+    const std::function<void(bool)> pushes[] = {
+        [&](bool wake) { scene->addForce(0, {}, velocityChange, wake); },
+        [&](bool wake) { scene->addTorque(0, {}, velocityChange, wake); },
+        [&](bool wake) { scene->setLinearVelocity(0, {}, wake); },
+        [&](bool wake) { scene->setAngularVelocity(0, {}, wake); },
+    };
+    box(0, 1);
+    for (std::size_t i = 0; i < std::size(pushes); ++i) {
+        SCOPED_TRACE(i);
+        for (const bool wake : {false, true}) {
+            scene->steps(60);
+            ASSERT_TRUE(scene->body(0)->isSleeping());
+            pushes[i](wake);
+            scene->step(gameStep);
+            EXPECT_NE(scene->body(0)->isSleeping(), wake);
+        }
+    }
 }
 
 TEST_F(PhysxSceneCommands, TakeAForceBackBeforeItActs)

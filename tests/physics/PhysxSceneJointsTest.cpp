@@ -1,5 +1,8 @@
 #include "physics/PhysxTestScene.h"
 
+#include <algorithm>
+#include <string>
+
 using namespace physx;
 
 class PhysxSceneJoints : public PhysxTest
@@ -196,6 +199,39 @@ TEST_F(PhysxSceneJoints, ComplainOfWhatTheirKindCannotDo)
     EXPECT_TRUE(scene->tasks.empty());
 }
 
+TEST_F(PhysxSceneJoints, RefuseDrivesThatTheyDoNotHave)
+{
+    box(0, 1);
+    scene->createD6Joint(3, 0, {}, PhysxScene::world, {});
+    EXPECT_EQ(
+        outputOf([&] { EXPECT_TRUE(scene->setD6Drive(3, PxD6Drive::eSLERP, 1, 0, 1, true)); }), "");
+    for (unsigned int drive : {6u, 7u, 1000000u, 0xFFFFFFFFu})
+        EXPECT_EQ(outputOf([&] { EXPECT_FALSE(scene->setD6Drive(3, drive, 1, 0, 1, true)); }),
+                  "Joint 3 has no drive " + std::to_string(drive) + ". I cannot set it.\n");
+}
+
+TEST_F(PhysxSceneJoints, RefuseAxesAndMotionsThatTheyDoNotHave)
+{
+    box(0, 1);
+    scene->createD6Joint(3, 0, {}, PhysxScene::world, {});
+    PxD6Joint& d6 = *joint<PxD6Joint>(3);
+    EXPECT_TRUE(scene->setD6Motion(3, PxD6Axis::eSWING2, PxD6Motion::eFREE, 0, 0));
+    const auto refuses = [&](unsigned int axis, unsigned int motion) {
+        EXPECT_EQ(outputOf([&] { EXPECT_FALSE(scene->setD6Motion(3, axis, motion, 5, 0)); }),
+                  "Joint 3 has no motion " + std::to_string(motion) + " on an axis " +
+                      std::to_string(axis) + ". I cannot set it.\n");
+    };
+    const PxReal before = d6.getDistanceLimit().value;
+    refuses(6, PxD6Motion::eFREE);
+    refuses(0xFFFFFFFFu, PxD6Motion::eLIMITED);
+    refuses(PxD6Axis::eZ, 3);
+    refuses(PxD6Axis::eZ, 0xFFFFFFFFu);
+    for (int axis = 0; axis < PxD6Axis::eCOUNT; ++axis)
+        EXPECT_EQ(d6.getMotion(static_cast<PxD6Axis::Enum>(axis)),
+                  axis == PxD6Axis::eSWING2 ? PxD6Motion::eFREE : PxD6Motion::eLOCKED);
+    EXPECT_EQ(d6.getDistanceLimit().value, before);
+}
+
 TEST_F(PhysxSceneJoints, FreeAnAxisWithoutALimit)
 {
     box(0);
@@ -324,6 +360,41 @@ TEST_F(PhysxSceneJoints, HaveNoMinimumForANegativeDistance)
         distance->getDistanceJointFlags().isSet(PxDistanceJointFlag::eMIN_DISTANCE_ENABLED));
     EXPECT_FALSE(
         distance->getDistanceJointFlags().isSet(PxDistanceJointFlag::eMAX_DISTANCE_ENABLED));
+}
+
+TEST_F(PhysxSceneJoints, GiveTheToleranceToTheirDistancesAndKeepNone)
+{
+    box(0);
+    scene->createDistanceJoint(0, 0, {}, PhysxScene::world, {});
+    PxDistanceJoint* distance = joint<PxDistanceJoint>(0);
+    scene->setDistanceLimit(0, 3.0f, 8.0f, 0.5f, 1.0f);
+    EXPECT_EQ(distance->getMinDistance(), 2.5f);
+    EXPECT_EQ(distance->getMaxDistance(), 8.5f);
+    EXPECT_EQ(distance->getTolerance(), 0.0f);
+    // As the board's are.
+    scene->setDistanceLimit(0, 0.0f, 1.0f, 10.0f, 1.0f);
+    EXPECT_EQ(distance->getMinDistance(), 0.0f);
+    EXPECT_EQ(distance->getMaxDistance(), 11.0f);
+    EXPECT_EQ(distance->getTolerance(), 0.0f);
+}
+
+TEST_F(PhysxSceneJoints, HoldWithinMinimumLessToleranceOnly)
+{
+    box(0, 1);
+    scene->setPose(0, osg::Matrixd::translate(6, 0, 0));
+    scene->createDistanceJoint(0, 0, {}, PhysxScene::world, {});
+    scene->setDistanceLimit(0, 3.0f, 8.0f, 0.5f, 1.0f);
+    scene->setLinearVelocity(0, {-3, 0, 0}, true);
+    scene->steps(34);
+    EXPECT_NEAR(scene->position(0).x(), 2.6f, 0.01f) << "no push beyond two and a half units";
+    EXPECT_NEAR(scene->linearVelocity(0).x(), -3.0f, 0.01f);
+    float nearest = 6.0f;
+    for (int i = 0; i < 60; ++i) {
+        scene->step(gameStep);
+        nearest = std::min(nearest, scene->position(0).x());
+    }
+    EXPECT_LT(nearest, 2.55f);
+    EXPECT_GT(nearest, 2.3f);
 }
 
 TEST_F(PhysxSceneJoints, HoldPastMaximumPlusToleranceOnly)

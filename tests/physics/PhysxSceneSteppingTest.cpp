@@ -1,4 +1,7 @@
+#include "base/WorldNumbers.h"
 #include "physics/PhysxTestScene.h"
+
+#include <limits>
 
 using namespace physx;
 
@@ -8,9 +11,23 @@ class PhysxSceneStepping : public PhysxTest
 
 TEST_F(PhysxSceneStepping, UsesTheGravityOfItsCreation)
 {
-    EXPECT_EQ(scene->scene->getGravity(), PxVec3(0.0f, 0.0f, -9.81f));
+    EXPECT_EQ(scene->scene->getGravity(), PxVec3(0.0f, 0.0f, -world::gravity));
     EXPECT_TRUE(scene->scene->getFlags().isSet(PxSceneFlag::eENABLE_CCD));
     EXPECT_EQ(scene->scene->getCpuDispatcher()->getWorkerCount(), 1u);
+}
+
+TEST_F(PhysxSceneStepping, IsRefusedAGravityThatIsNoNumber)
+{
+    osg::ref_ptr<TestScene> refused = new TestScene;
+    EXPECT_EQ(outputOf([&] {
+                  EXPECT_FALSE(refused->createScene(
+                      osg::Vec3f(0.0f, 0.0f, std::numeric_limits<float>::quiet_NaN())));
+              }),
+              "Unable to create Scene\n");
+    EXPECT_EQ(refused->scene, nullptr);
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(refused->createScene(osg::Vec3f(0.0f, 0.0f, -1.0f))); }),
+              "");
+    EXPECT_NE(refused->scene, nullptr);
 }
 
 TEST_F(PhysxSceneStepping, RunsACommandOfAContactInTheNextStep)
@@ -102,7 +119,7 @@ TEST_F(PhysxSceneStepping, CollidesASolidPairOfOtherWordsWithoutAReport)
     scene->createPlane(0, "holz", {0, 0, 0}, {0, 0, 1}, 1, 8);
     ball(1, {0, 0, 0.5f});
     scene->steps(60);
-    EXPECT_NEAR(scene->position(1).z(), 0.3f, 0.02f);
+    EXPECT_NEAR(scene->position(1).z(), world::ballRadius, 0.02f);
     EXPECT_EQ(scene->contacts, 0);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/WorldNumbers.h"
 #include "physics/PhysxConversions.h"
 #include "physics/PhysxScene.h"
 
@@ -16,7 +17,7 @@ constexpr unsigned int ground = 1, board = 2, ball = 4;
 constexpr unsigned int groundMask = 4, boardMask = 4, ballMask = 3;
 }  // namespace kind
 
-constexpr double gameStep = 1.0 / 30.0;
+constexpr double gameStep = world::secondsPerTick;
 
 /// A scene that shows its inside and counts what it is told.
 class TestScene : public PhysxScene
@@ -67,7 +68,7 @@ class PhysxTest : public testing::Test
 protected:
     PhysxTest()
     {
-        scene->createScene(osg::Vec3f(0.0f, 0.0f, -9.81f));
+        scene->createScene(osg::Vec3f(0.0f, 0.0f, -world::gravity));
         scene->createMaterial("holz", 0.2f, 0.05f, 0.0f);
     }
 
@@ -85,7 +86,8 @@ protected:
 
     bool ball(unsigned int id, const osg::Vec3f& position)
     {
-        const bool made = scene->createSphere(id, 0.3, 1.0, "holz", 0, kind::ball, kind::ballMask);
+        const bool made = scene->createSphere(id, world::ballRadius, world::ballDensity, "holz", 0,
+                                              kind::ball, kind::ballMask);
         scene->setPose(id, osg::Matrixd::translate(position));
         return made;
     }

@@ -1,7 +1,9 @@
 #include "FrameGrab.h"
+#include "base/WorldNumbers.h"
 #include "platform/osgqt/GLWidget.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -20,7 +22,6 @@ namespace {
 constexpr int pictureWidth = 400;
 constexpr int pictureHeight = 200;
 constexpr int exposureLimit = 10000;  // milliseconds for the window to come up
-constexpr double ballRadius = 0.3;
 constexpr double blockHeight = 1.0;
 constexpr double faceDistance = 0.5;  // of every face of such a block from its middle
 
@@ -80,7 +81,7 @@ protected:
     {
         osg::ref_ptr<osg::Geode> geode = new osg::Geode;
         osg::ref_ptr<osg::ShapeDrawable> sphere =
-            new osg::ShapeDrawable(new osg::Sphere(osg::Vec3(), ballRadius));
+            new osg::ShapeDrawable(new osg::Sphere(osg::Vec3(), world::ballRadius));
         sphere->setColor(osg::Vec4(0.9f, 0.1f, 0.1f, 1.0f));
         geode->addDrawable(sphere);
         ball->addChild(geode);
@@ -90,13 +91,7 @@ protected:
         uniforms()->addUniform(new osg::Uniform("a_PortalActive", false));
 
         shader = new ShaderProgram(ball);
-        shader->setVertexShader("data/Rollix/standardShader.vert");
-        shader->vertexShader->addFileInjection("data/phong_vert-withgeom.glsl",
-                                               "//HOTSPOT_PRE_MAIN");
-        shader->vertexShader->addCodeInjection("phong();", "//HOTSPOT_START_MAIN");
-        shader->setGeometryShader("data/Rollix/portalBallShader.geom");
-        shader->setFragmentShader("data/Rollix/portalBallShader.frag");
-        shader->fragmentShader->addFileInjection("data/phong_frag.glsl", "//HOTSPOT_PRE_MAIN");
+        setOwnStages(*shader, "ball");
     }
 
     osg::StateSet* uniforms() { return ball->getOrCreateStateSet(); }
@@ -156,7 +151,8 @@ TEST_F(PortalBallShader, DrawsTheWholeBallInOnePlaceWhileNoPortalIsOpen)
     ball->setMatrix(osg::Matrixd::translate(senderPlace));
     const Areas areas = drawn();
     const double pixelsPerUnit = pictureHeight / 4.0;
-    const double disc = osg::PI * ballRadius * ballRadius * pixelsPerUnit * pixelsPerUnit;
+    const double disc =
+        osg::PI * world::ballRadius * world::ballRadius * pixelsPerUnit * pixelsPerUnit;
     EXPECT_NEAR(areas.atSender, disc, 0.15 * disc);
     EXPECT_EQ(areas.atReceiver, 0);
 }
@@ -174,12 +170,12 @@ TEST_F(PortalBallShader, DrawsTheBallAtTheOneMouthBeforeAndAtTheOtherAfterEveryP
                              << "in by " << wayIn.x() << " " << wayIn.y() << " " << wayIn.z()
                              << ", receiver's by " << receiverWayIn.x() << " " << receiverWayIn.y()
                              << " " << receiverWayIn.z() << (board.isIdentity() ? "" : ", tilted"));
-                opens(wayIn, receiverWayIn, -1.1 * ballRadius, board);
+                opens(wayIn, receiverWayIn, -1.1 * world::ballRadius, board);
                 Areas areas = drawn();
                 EXPECT_NEAR(areas.atSender, whole, 0.1 * whole);
                 EXPECT_EQ(areas.atReceiver, 0);
 
-                opens(wayIn, receiverWayIn, 1.1 * ballRadius, board);
+                opens(wayIn, receiverWayIn, 1.1 * world::ballRadius, board);
                 areas = drawn();
                 EXPECT_EQ(areas.atSender, 0);
                 EXPECT_NEAR(areas.atReceiver, whole, 0.1 * whole);

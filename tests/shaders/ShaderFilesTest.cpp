@@ -1,88 +1,21 @@
 #include "platform/osgqt/GLWidget.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
-#include "shaders/ShaderProgram.h"
+#include "shaders/StageRecipes.h"
 
+#include <QDir>
 #include <gtest/gtest.h>
 #include <osg/GLExtensions>
 #include <osg/Group>
 #include <osg/State>
 
 #include <memory>
-#include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace {
 
-/// A stage as the game puts it together: its file and the files and code pasted into it.
-struct Stage
-{
-    std::string file;
-    std::vector<std::string> injectedFiles;
-    std::string injectedCode;
-};
-
-/// A program of the game. An empty file is a stage that it does not have.
-struct Program
-{
-    std::string name;
-    Stage vertex;
-    Stage geometry;
-    Stage fragment;
-};
-
-void PrintTo(const Program& program, std::ostream* out)
-{
-    *out << program.name;
-}
-
-const Stage none{"", {}, ""};
-const Stage boardVertex{
-    "data/Rollix/boardShader.vert", {"data/rotation.glsl", "data/phong_vert.glsl"}, ""};
-
-const std::vector<Program> programs{
-    {"Standard",
-     {"data/Rollix/standardShader.vert", {}, ""},
-     none,
-     {"data/Rollix/standardShader.frag", {}, ""}},
-    {"Board",
-     boardVertex,
-     none,
-     {"data/Rollix/boardShader.frag",
-      {"data/classicnoise3D.glsl", "data/wood.glsl", "data/phong_frag.glsl"},
-      ""}},
-    {"Ghost",
-     boardVertex,
-     none,
-     {"data/Rollix/ghostShader.frag",
-      {"data/classicnoise3D.glsl", "data/wood.glsl", "data/easeFunctions.glsl",
-       "data/phong_frag.glsl"},
-      ""}},
-    {"Ball",
-     {"data/Rollix/standardShader.vert", {"data/phong_vert-withgeom.glsl"}, "phong();"},
-     {"data/Rollix/portalBallShader.geom", {}, ""},
-     {"data/Rollix/portalBallShader.frag", {"data/phong_frag.glsl"}, ""}},
-    {"Flag",
-     {"data/Rollix/flagShader.vert", {"data/easeFunctions.glsl"}, ""},
-     none,
-     {"data/Rollix/flagShader.frag", {}, ""}},
-    {"ButtonCap",
-     {"data/Rollix/animationShader.vert", {"data/easeFunctions.glsl", "data/phong_vert.glsl"}, ""},
-     none,
-     {"data/Rollix/animationShader.frag", {"data/easeFunctions.glsl", "data/phong_frag.glsl"}, ""}},
-    {"Item",
-     {"data/Rollix/itemShader.vert", {"data/phong_vert.glsl", "data/rotation.glsl"}, ""},
-     none,
-     {"data/Rollix/itemShader.frag", {"data/phong_frag.glsl"}, ""}},
-    {"Mine",
-     {"data/Rollix/mineShader.vert", {"data/phong_vert.glsl"}, "phong();"},
-     none,
-     {"data/Rollix/mineShader.frag", {"data/phong_frag.glsl"}, ""}},
-    {"Text", {"data/textShader.vert", {}, ""}, none, {"data/textShader.frag", {}, ""}},
-    {"Image", {"data/imageShader.vert", {}, ""}, none, {"data/imageShader.frag", {}, ""}},
-};
-
-class ShaderFiles : public ::testing::TestWithParam<Program>
+class ShaderFiles : public ::testing::TestWithParam<std::string>
 {
 protected:
     void SetUp() override
@@ -109,25 +42,6 @@ protected:
 
     osg::State& state() { return *window->getState(); }
 
-    void assemble(const Program& parts)
-    {
-        shader = new ShaderProgram(node);
-        shader->setVertexShader(stage(parts.vertex, GL_VERTEX_SHADER));
-        if (!parts.geometry.file.empty())
-            shader->setGeometryShader(stage(parts.geometry, GL_GEOMETRY_SHADER));
-        shader->setFragmentShader(stage(parts.fragment, GL_FRAGMENT_SHADER));
-    }
-
-    static ShaderProgram::Shader* stage(const Stage& parts, unsigned int type)
-    {
-        auto* made = new ShaderProgram::Shader(parts.file, type);
-        for (const std::string& file : parts.injectedFiles)
-            made->addFileInjection(file, "//HOTSPOT_PRE_MAIN");
-        if (!parts.injectedCode.empty())
-            made->addCodeInjection(parts.injectedCode, "//HOTSPOT_START_MAIN");
-        return made;
-    }
-
     std::unique_ptr<osgQt::GLWidget> widget;
     osg::ref_ptr<osgQt::GraphicsWindowQt> window;
     osg::ref_ptr<osg::Group> node = new osg::Group;
@@ -136,7 +50,8 @@ protected:
 
 TEST_P(ShaderFiles, CompileWithTheirInjectionsAndLinkToOneProgram)
 {
-    assemble(GetParam());
+    shader = new ShaderProgram(node);
+    setOwnStages(*shader, GetParam());
     for (unsigned int i = 0; i < shader->program->getNumShaders(); ++i) {
         osg::Shader* one = shader->program->getShader(i);
         osg::Shader::PerContextShader* compiled = one->getPCS(state());
@@ -149,33 +64,60 @@ TEST_P(ShaderFiles, CompileWithTheirInjectionsAndLinkToOneProgram)
     const osg::Program::PerContextProgram* linked = shader->program->getPCP(state());
     std::string log;
     linked->getInfoLog(log);
-    EXPECT_TRUE(linked->isLinked())
-        << GetParam().vertex.file << " with " << GetParam().fragment.file << ":\n"
-        << log;
+    EXPECT_TRUE(linked->isLinked()) << programRecipe(GetParam()).vertexStage << " with "
+                                    << programRecipe(GetParam()).fragmentStage << ":\n"
+                                    << log;
 }
 
-INSTANTIATE_TEST_SUITE_P(OfEveryProgram, ShaderFiles, ::testing::ValuesIn(programs),
-                         [](const ::testing::TestParamInfo<Program>& program) {
-                             return program.param.name;
+std::vector<std::string> programNames()
+{
+    std::vector<std::string> names;
+    for (const ProgramRecipe& recipe : programRecipes())
+        names.push_back(recipe.name);
+    return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEveryProgram, ShaderFiles, ::testing::ValuesIn(programNames()),
+                         [](const ::testing::TestParamInfo<std::string>& program) {
+                             return program.param;
                          });
+
+TEST(StageRecipes, AreEachPartOfAProgram)
+{
+    std::set<std::string> linked;
+    for (const ProgramRecipe& program : programRecipes())
+        linked.insert({program.vertexStage, program.geometryStage, program.fragmentStage});
+    for (const StageRecipe& stage : stageRecipes())
+        EXPECT_EQ(linked.count(stage.name), 1u) << stage.name;
+}
+
+TEST(StageRecipes, UseEveryPieceOfSharedText)
+{
+    std::set<std::string> used;
+    for (const StageRecipe& stage : stageRecipes()) {
+        used.insert(stage.file);
+        used.insert(stage.preMainFiles.begin(), stage.preMainFiles.end());
+    }
+    for (const char* folder : {"data", "data/Rollix"}) {
+        const QDir files(folder);
+        for (const QString& name : files.entryList({"*.vert", "*.geom", "*.frag", "*.glsl"}))
+            EXPECT_EQ(used.count(files.filePath(name).toStdString()), 1u) << name.toStdString();
+    }
+}
 
 TEST(ShaderMarkers, StandOnALineOfTheirOwnInEveryStage)
 {
-    for (const Program& program : programs) {
-        for (const Stage& one : {program.vertex, program.geometry, program.fragment}) {
-            if (one.file.empty())
-                continue;
-            for (const char* marker : {"//HOTSPOT_PRE_MAIN", "//HOTSPOT_START_MAIN"}) {
-                SCOPED_TRACE(one.file + " " + marker);
-                int found = 0;
-                for (const QString& line : readTextFile(one.file).split('\n')) {
-                    if (line.contains(marker)) {
-                        EXPECT_EQ(line.trimmed(), marker);
-                        ++found;
-                    }
+    for (const StageRecipe& stage : stageRecipes()) {
+        for (const char* marker : {"//HOTSPOT_PRE_MAIN", "//HOTSPOT_START_MAIN"}) {
+            SCOPED_TRACE(stage.file + " " + marker);
+            int found = 0;
+            for (const QString& line : readTextFile(stage.file).split('\n')) {
+                if (line.contains(marker)) {
+                    EXPECT_EQ(line.trimmed(), marker);
+                    ++found;
                 }
-                EXPECT_EQ(found, 1);
             }
+            EXPECT_EQ(found, 1);
         }
     }
 }

@@ -1,13 +1,13 @@
 #include "support/KeyPlayer.h"
 
+#include "base/WorldNumbers.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double secondsPerTick = 1.0 / 30.0;
-constexpr double rollingGravity = 9.81 * 5.0 / 7.0;  // of a solid ball that does not slip
-constexpr double approach = 1.0;                     // wanted speed per unit of distance, 1/s
+constexpr double approach = 1.0;       // wanted speed per unit of distance, 1/s
 constexpr double obedience = 1.2;      // wanted acceleration per unit of missing speed, 1/s
 constexpr double gentleTilt = 0.2;     // sine of the board's angle
 constexpr double climbingTilt = 0.48;  // nearly the board's limit: a ramp rises by 27 degrees
@@ -96,7 +96,7 @@ void KeyPlayer::hold(const PlayerView& view)
 
 osg::Vec3d KeyPlayer::turnOf(const osg::Vec3d& up)
 {
-    const osg::Vec3d turn = (up - lastUp) / secondsPerTick;
+    const osg::Vec3d turn = (up - lastUp) / world::secondsPerTick;
     lastUp = up;
     return turn;
 }
@@ -111,7 +111,7 @@ void KeyPlayer::steer(const osg::Vec2d& wantedVelocity, const PlayerView& view)
 
     const auto turnError = [&](double wantedSpeed, double currentSpeed, double tilt, double rate) {
         const double wantedTilt =
-            within((wantedSpeed - currentSpeed) * obedience / rollingGravity, largestTilt);
+            within((wantedSpeed - currentSpeed) * obedience / world::rollingGravity, largestTilt);
         return within((wantedTilt - tilt) * tiltObedience, largestTurn) - rate;
     };
     drive(turnError(wanted.x(), view.velocity.x(), up.x(), turn.x()), Qt::Key_Right, Qt::Key_Left);

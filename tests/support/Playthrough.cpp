@@ -1,10 +1,8 @@
 #include "support/Playthrough.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/ItemOption.h"
-#include "blocks/TrapOption.h"
 #include "game/Rollix.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 #include "level/Level.h"
 
 #include <algorithm>
@@ -166,9 +164,9 @@ bool Playthrough::waitsForButton(const CellPosition& cell) const
 {
     const int saturation = map.pixel(cell).saturation;
     if (map.is(cell, BlockKind::Ghost))
-        return BlockGhost::Rhythm::ofSaturation(saturation).period == 0.0 && !sight->isSolid(cell);
+        return GhostOption::ofSaturation(saturation).period == 0.0 && !sight->isSolid(cell);
     return map.is(cell, BlockKind::Elevator) &&
-           !BlockElevator::Way::ofSaturation(saturation).automatic && !sight->moves(cell);
+           !ElevatorOption::ofSaturation(saturation).automatic && !sight->moves(cell);
 }
 
 Playthrough::Way Playthrough::openPart(const Way& way)
@@ -192,7 +190,7 @@ bool Playthrough::mayEnterGhost(const CellPosition& from, const CellPosition& to
 {
     if (!sight->isSolid(to))
         return false;
-    const bool hasRhythm = BlockGhost::Rhythm::ofSaturation(map.pixel(to).saturation).period > 0.0;
+    const bool hasRhythm = GhostOption::ofSaturation(map.pixel(to).saturation).period > 0.0;
     // Once on a bridge, on and away.
     return !hasRhythm || map.is(from, BlockKind::Ghost) || sight->ticksSinceChange(to) < freshTicks;
 }

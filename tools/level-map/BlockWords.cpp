@@ -1,12 +1,7 @@
 #include "BlockWords.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/ItemOption.h"
-#include "blocks/PortalShape.h"
-#include "blocks/TrapOption.h"
-#include "level/BlockButton.h"
-#include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <cmath>
 #include <sstream>
@@ -28,10 +23,10 @@ std::string seconds(double count)
 
 std::string checkpointInWords(int saturation)
 {
-    const auto option = BlockCheckpoint::Option::ofSaturation(saturation);
-    if (option.type == BlockCheckpoint::Start)
+    const auto option = CheckpointOption::ofSaturation(saturation);
+    if (option.type == CheckpointType::Start)
         return "start";
-    if (option.type == BlockCheckpoint::Goal)
+    if (option.type == CheckpointType::Goal)
         return words("goal, ", option.coins, " coins");
     return words("flag that ", option.required ? "must" : "may", " be passed, ", option.coins,
                  " coins");
@@ -39,17 +34,17 @@ std::string checkpointInWords(int saturation)
 
 std::string buttonInWords(int saturation)
 {
-    const auto behaviour = BlockButton::Behaviour::ofSaturation(saturation);
-    if (behaviour.mode == BlockButton::OneShot)
+    const auto behaviour = ButtonOption::ofSaturation(saturation);
+    if (behaviour.mode == ButtonMode::OneShot)
         return "button, works once";
-    if (behaviour.mode == BlockButton::Toggle)
+    if (behaviour.mode == ButtonMode::Toggle)
         return "button, works at every touch";
     return "button, comes back after " + seconds(behaviour.coolDown);
 }
 
 std::string ghostInWords(int saturation)
 {
-    const auto rhythm = BlockGhost::Rhythm::ofSaturation(saturation);
+    const auto rhythm = GhostOption::ofSaturation(saturation);
     const std::string start =
         rhythm.initiallyOpaque ? "ghost, starts solid, " : "ghost, starts as air, ";
     return start + (rhythm.period > 0.0 ? "changes every " + seconds(rhythm.period)
@@ -58,7 +53,7 @@ std::string ghostInWords(int saturation)
 
 std::string elevatorInWords(int saturation)
 {
-    const auto way = BlockElevator::Way::ofSaturation(saturation);
+    const auto way = ElevatorOption::ofSaturation(saturation);
     return words("elevator, ", std::abs(way.travel), way.travel > 0.0 ? " up" : " down",
                  way.automatic ? ", moves by itself" : ", waits for buttons");
 }

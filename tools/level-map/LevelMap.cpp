@@ -1,9 +1,8 @@
 #include "LevelMap.h"
 
-#include "blocks/BlockElevator.h"
-#include "blocks/ItemOption.h"
-#include "blocks/PortalShape.h"
-#include "blocks/TrapOption.h"
+#include "base/WorldNumbers.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,9 +13,6 @@ namespace {
 constexpr double edgeTolerance = 0.02;
 constexpr int steps[4][2] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
 
-constexpr double gravity = 9.81;
-constexpr double ballMass = 0.1131;  // a ball of radius 0.3 and density 1
-constexpr double secondsPerTick = 1.0 / 30.0;
 constexpr double springMargin = 0.3;  // how much higher than the edge the ball has to come
 constexpr int longestFlight = 6;      // cells that are crossed without gravity
 
@@ -25,8 +21,9 @@ double springRise(const LevelPixel& pixel)
     const TrapOption trap = TrapOption::ofSaturation(pixel.saturation);
     if (blockKindOfHue(pixel.hue) != BlockKind::Trap || trap.kind != TrapKind::Spring)
         return 0.0;
-    const double speed = 2.0 * trap.parameter * secondsPerTick / ballMass;
-    return speed * speed / (2.0 * gravity) - springMargin;
+    const double speed =
+        world::springForce * trap.parameter * world::secondsPerTick / world::ballMass;
+    return speed * speed / (2.0 * world::gravity) - springMargin;
 }
 
 }  // namespace
@@ -87,9 +84,8 @@ double LevelMap::edgeHeight(const CellPosition& cell, int towardsColumn, int tow
     const BlockShape shape = BlockShape::ofValue(pixel(cell).value);
     if (shape.slope == flatSlope)
         return shape.highHeight;
-    constexpr int highColumn[4] = {0, 1, 0, -1};
-    constexpr int highRow[4] = {1, 0, -1, 0};
-    const int along = highColumn[shape.slope] * towardsColumn + highRow[shape.slope] * towardsRow;
+    const CellSide& high = highSides[shape.slope];
+    const int along = high.x * towardsColumn - high.y * towardsRow;  // rows count downward
     if (along == 0)
         return -1.0;  // the side of a ramp: nothing rolls over it
     return along > 0 ? shape.highHeight : shape.lowHeight;
@@ -99,7 +95,7 @@ std::vector<double> LevelMap::shifts(const CellPosition& cell) const
 {
     if (!is(cell, BlockKind::Elevator))
         return {0.0};
-    return {0.0, BlockElevator::Way::ofSaturation(pixel(cell).saturation).travel};
+    return {0.0, ElevatorOption::ofSaturation(pixel(cell).saturation).travel};
 }
 
 bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double drop) const

@@ -1,10 +1,8 @@
 #include "LevelReport.h"
 
 #include "BlockWords.h"
-#include "blocks/BlockElevator.h"
-#include "blocks/BlockGhost.h"
-#include "blocks/TrapOption.h"
-#include "level/BlockCheckpoint.h"
+#include "level/BlockOptions.h"
+#include "level/BlockShape.h"
 
 #include <ostream>
 #include <sstream>
@@ -24,10 +22,10 @@ std::string place(const CellPosition& cell)
     return text.str();
 }
 
-bool isCheckpoint(const LevelPixel& pixel, BlockCheckpoint::Type type)
+bool isCheckpoint(const LevelPixel& pixel, CheckpointType type)
 {
     return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint &&
-           BlockCheckpoint::Option::ofSaturation(pixel.saturation).type == type;
+           CheckpointOption::ofSaturation(pixel.saturation).type == type;
 }
 
 bool listens(const LevelPixel& pixel)
@@ -40,9 +38,9 @@ bool waitsForButtons(const LevelPixel& pixel)
 {
     switch (blockKindOfHue(pixel.hue)) {
     case BlockKind::Ghost:
-        return BlockGhost::Rhythm::ofSaturation(pixel.saturation).period == 0.0;
+        return GhostOption::ofSaturation(pixel.saturation).period == 0.0;
     case BlockKind::Elevator:
-        return !BlockElevator::Way::ofSaturation(pixel.saturation).automatic;
+        return !ElevatorOption::ofSaturation(pixel.saturation).automatic;
     default:
         return false;
     }
@@ -57,7 +55,7 @@ bool isButton(const LevelPixel& pixel)
 
 LevelReport::LevelReport(const QImage& picture) : map(picture)
 {
-    const auto built = [this](BlockCheckpoint::Type type) {
+    const auto built = [this](CheckpointType type) {
         Cells cells;
         for (const CellPosition& cell : map.cellsWhere(
                  [type](const LevelPixel& pixel) { return isCheckpoint(pixel, type); })) {
@@ -66,8 +64,8 @@ LevelReport::LevelReport(const QImage& picture) : map(picture)
         }
         return cells;
     };
-    starts = built(BlockCheckpoint::Start);
-    goals = built(BlockCheckpoint::Goal);
+    starts = built(CheckpointType::Start);
+    goals = built(CheckpointType::Goal);
 }
 
 LevelReport::Cells LevelReport::ofKind(BlockKind kind) const
@@ -189,7 +187,7 @@ void LevelReport::warnOfWays(Lines& lines) const
     for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
              const BlockKind kind = blockKindOfHue(pixel.hue);
              return kind == BlockKind::Button || kind == BlockKind::Item ||
-                    (kind == BlockKind::Checkpoint && !isCheckpoint(pixel, BlockCheckpoint::Start));
+                    (kind == BlockKind::Checkpoint && !isCheckpoint(pixel, CheckpointType::Start));
          })) {
         if (map.hasFloor(cell) && map.way(starts.back(), cell, any, anyDrop).empty())
             lines.push_back(place(cell) + ": " + blockInWords(map.pixel(cell)) +

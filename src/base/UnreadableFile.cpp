@@ -1,6 +1,7 @@
-#include "shaders/UnreadableFile.h"
+#include "base/UnreadableFile.h"
 
-#include <iostream>
+#include "base/Say.h"
+
 #include <mutex>
 #include <set>
 
@@ -11,6 +12,5 @@ void reportUnreadable(const std::string& what, const std::string& path,
     static std::set<std::string> reported;
     std::lock_guard<std::mutex> lock(mutex);
     if (reported.insert(path).second)
-        std::cout << "I cannot read the " << what << " " << path << ". " << consequence
-                  << std::endl;
+        say("I cannot read the ", what, " ", path, ". ", consequence);
 }

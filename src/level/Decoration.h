@@ -8,6 +8,7 @@
 #include <osgParticle/Particle>
 #include <osgParticle/range>
 
+#include <string>
 #include <vector>
 
 namespace osg {
@@ -20,13 +21,10 @@ class Rollix;
 // What blocks hang on themselves besides their body. Each of these programs is drawn with for as
 // long as the caller keeps it.
 
-/// A program of these two stages on `node`, one for all nodes that ask for them: each has to set
-/// every uniform of it.
-osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
-                                       ShaderProgram::Shader* fragmentShader);
-
-/// The program that draws things in their plain colour, whatever program is set above `node`.
-osg::ref_ptr<ShaderProgram> addStandardProgram(osg::Node* node, Rollix* game);
+/// The program of this recipe on `node`, one for all nodes that ask for it: each has to set every
+/// uniform of it.
+osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, const std::string& programName,
+                                       Rollix* game);
 
 /// A fountain that never runs dry. Positions and directions in the frame of the node that it hangs
 /// on.

@@ -1,6 +1,7 @@
-#include "blocks/Decoration.h"
+#include "level/Decoration.h"
 
 #include "game/Rollix.h"
+#include "shaders/StageRecipes.h"
 
 #include <osg/BlendFunc>
 #include <osg/Geode>
@@ -76,27 +77,22 @@ osg::ref_ptr<osgParticle::ModularEmitter> createEmitter(osgParticle::ParticleSys
 
 }  // namespace
 
-osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, ShaderProgram::Shader* vertexShader,
-                                       ShaderProgram::Shader* fragmentShader)
+osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, const std::string& programName,
+                                       Rollix* game)
 {
     // By stages; a program that lives keeps its stages, so that no other can have their addresses.
     using Stages = std::pair<ShaderProgram::Shader*, ShaderProgram::Shader*>;
     static std::map<Stages, osg::observer_ptr<ShaderProgram>> programs;
-    osg::observer_ptr<ShaderProgram>& known = programs[{vertexShader, fragmentShader}];
+    const ProgramRecipe& recipe = programRecipe(programName);
+    osg::observer_ptr<ShaderProgram>& known = programs[{game->sharedShader(recipe.vertexStage),
+                                                        game->sharedShader(recipe.fragmentStage)}];
     osg::ref_ptr<ShaderProgram> shared;
     if (known.lock(shared))
         return new ShaderProgram(node, shared);
     shared = new ShaderProgram(node);
-    shared->setVertexShader(vertexShader);
-    shared->setFragmentShader(fragmentShader);
+    game->setSharedStages(*shared, programName);
     known = shared;
     return shared;
-}
-
-osg::ref_ptr<ShaderProgram> addStandardProgram(osg::Node* node, Rollix* game)
-{
-    return addProgram(node, game->sharedShader("standardShader.vert", GL_VERTEX_SHADER),
-                      game->sharedShader("standardShader.frag", GL_FRAGMENT_SHADER));
 }
 
 osg::ref_ptr<ShaderProgram> addSparks(osg::Group* parent, const Sparks& sparks, Rollix* game)
@@ -104,7 +100,7 @@ osg::ref_ptr<ShaderProgram> addSparks(osg::Group* parent, const Sparks& sparks, 
     const osg::ref_ptr<osgParticle::ParticleSystem> system = createSystem(sparks);
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     geode->addDrawable(system);
-    osg::ref_ptr<ShaderProgram> program = addStandardProgram(geode, game);
+    osg::ref_ptr<ShaderProgram> program = addProgram(geode, "standard", game);
     osg::ref_ptr<osgParticle::ParticleSystemUpdater> updater =
         new osgParticle::ParticleSystemUpdater;
     updater->addParticleSystem(system);
