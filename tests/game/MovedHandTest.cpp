@@ -17,7 +17,9 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QElapsedTimer>
 #include <QMouseEvent>
+#include <QThread>
 #include <QWheelEvent>
 #include <osg/Math>
 
@@ -86,9 +88,11 @@ public:
     /// Sends a frame; returns when the game has served it.
     void handFrame()
     {
+        if (HasFatalFailure())
+            return;
         server.sendFrame();
         ++sent;
-        EXPECT_TRUE(servesEventsUntil([this] { return witness.newestServed() == sent; }));
+        ASSERT_TRUE(servesEventsUntil([this] { return witness.newestServed() == sent; }));
         if (sent % 1000 == 0)
             witness.forgets();
     }
@@ -263,7 +267,9 @@ TEST_F(MovedHandTest, BeginsPlayWithTheFirstTouchOfAStick)
     playsTicks(oneSecond);
     EXPECT_EQ(game.state, GameState::WaitingForRest);
     pad.leftStick(0.3, 0.0);
-    EXPECT_LE(playsUntil([this] { return isPlaying(); }), 1);
+    const int waited = playsUntil([this] { return isPlaying(); });
+    EXPECT_GE(waited, 0);
+    EXPECT_LE(waited, 1);
 }
 
 TEST_F(MovedHandTest, BeginsPlayByItselfWithinASecondOfLettingTheStickGo)
@@ -341,10 +347,10 @@ TEST_F(MovedHandTest, LeavesABoardThatHasComeToRestWhenThePadIsUnplugged)
     const double left = tiltDegrees();
     EXPECT_LT(left, 7.0) << "as near to the level as a hand brings it";
     playsTicks(oneSecond);
-    EXPECT_NEAR(tiltDegrees(), left, 2.0) << "nothing goes on turning it";
+    EXPECT_NEAR(tiltDegrees(), left, 5.0) << "nothing but the ball goes on turning it";
     EXPECT_TRUE(isPlaying());
 
-    holds(Qt::Key_Left, 20);
+    holds(Qt::Key_Right, 20);
     EXPECT_GT(tiltDegrees(), left + 5.0) << "now the keys have it";
 }
 
@@ -388,7 +394,9 @@ TEST_F(MovedHandTest, DragsTheCameraByTheMouseAndStopsWithIt)
     playsTicks(oneSecond);
     EXPECT_EQ(game.handCamera->angle(), turned);
     mouse(QEvent::MouseButtonRelease, Qt::RightButton);
-    EXPECT_LE(playsUntil([this] { return isPlaying(); }), oneSecond);
+    const int waited = playsUntil([this] { return isPlaying(); });
+    EXPECT_GE(waited, 0);
+    EXPECT_LE(waited, oneSecond);
 }
 
 TEST_F(MovedHandTest, WorksTheMenuByThePadAndPlaysOnByItself)
@@ -434,7 +442,9 @@ TEST_F(MovedHandTest, WorksTheMenuByTheMouseAndPlaysOnByItself)
     playsTicks(oneSecond);
     EXPECT_NEAR(tiltDegrees(), 3000.0 * 25.0 / 3600.0 - 5.7, 2.0) << "but for the game's dead zone";
     clicks(Qt::LeftButton);
-    EXPECT_LE(playsUntil([this] { return game.pauseMenu->isVisible(); }), oneSecond / 2);
+    const int opened = playsUntil([this] { return game.pauseMenu->isVisible(); });
+    EXPECT_GE(opened, 0);
+    EXPECT_LE(opened, oneSecond / 2);
     for (int i = 0; i < 4 && selectedLine() != "Continue"; ++i) {
         turnsWheel(-1);
         playsTicks(oneSecond);

@@ -331,6 +331,21 @@ TEST_F(HandWindowTest, FollowsThePadThatWasTouchedLast)
     EXPECT_NEAR(rightDown(), 35.0, leastDegrees);
 }
 
+TEST_F(HandWindowTest, IsNotTakenByAPadWhoseWornStickTrembles)
+{
+    VirtualPad worn;
+    VirtualPad held;
+    worn.leftStick(0.0, 0.3);
+    frames(1);
+    held.leftStick(1.0, 0.0);
+    for (int i = 0; i < halfASecond; ++i) {
+        worn.leftStick(0.0, 0.3 + 0.02 * (i % 2));
+        frames(1);
+    }
+    EXPECT_NEAR(rightDown(), 35.0, leastDegrees);
+    EXPECT_NEAR(farDown(), 0.0, leastDegrees);
+}
+
 TEST_F(HandWindowTest, HoldsLevelUnderAStickThatNeverCentres)
 {
     VirtualPad pad;

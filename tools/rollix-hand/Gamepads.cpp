@@ -20,6 +20,18 @@ int idOf(SDL_GameController* pad)
     return SDL_JoystickInstanceID(SDL_GameControllerGetJoystick(pad));
 }
 
+PadState stateOf(SDL_GameController* pad)
+{
+    PadState state;
+    state.leftStick = stickOf(pad, SDL_CONTROLLER_AXIS_LEFTX, SDL_CONTROLLER_AXIS_LEFTY);
+    state.rightStick = stickOf(pad, SDL_CONTROLLER_AXIS_RIGHTX, SDL_CONTROLLER_AXIS_RIGHTY);
+    state.secondHand = SDL_GameControllerGetButton(pad, SDL_CONTROLLER_BUTTON_B);
+    for (const auto button :
+         {SDL_CONTROLLER_BUTTON_A, SDL_CONTROLLER_BUTTON_DPAD_UP, SDL_CONTROLLER_BUTTON_DPAD_DOWN})
+        state.otherButton = state.otherButton || SDL_GameControllerGetButton(pad, button);
+    return state;
+}
+
 }  // namespace
 
 Gamepads::Gamepads()
@@ -36,18 +48,27 @@ Gamepads::Gamepads()
 
 Gamepads::~Gamepads()
 {
-    for (SDL_GameController* pad : pads)
-        SDL_GameControllerClose(pad);
+    for (const Pad& pad : pads)
+        SDL_GameControllerClose(pad.controller);
     SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
 }
 
 void Gamepads::poll()
 {
     pressed.clear();
+    touched = false;
     lost = false;
     SDL_Event event;
     while (SDL_PollEvent(&event))
         serve(event);
+    for (Pad& pad : pads) {
+        const PadState now = stateOf(pad.controller);
+        if (isMoved(pad.before, now)) {
+            pad.before = now;
+            if (isTouched(now))
+                touch(pad);
+        }
+    }
     held = current ? stateOf(current) : PadState();
 }
 
@@ -60,18 +81,15 @@ void Gamepads::serve(const SDL_Event& event)
     case SDL_CONTROLLERDEVICEREMOVED:
         close(event.cdevice.which);
         break;
-    case SDL_CONTROLLERAXISMOTION: {
-        SDL_GameController* pad = find(event.caxis.which);
-        if (pad && isTouched(stateOf(pad)))
-            current = pad;
-        break;
-    }
-    case SDL_CONTROLLERBUTTONDOWN:
-        if (SDL_GameController* pad = find(event.cbutton.which)) {
-            current = pad;
+    case SDL_CONTROLLERBUTTONDOWN: {
+        // It may be up again by now.
+        const auto pad = find(event.cbutton.which);
+        if (pad != pads.end()) {
+            touch(*pad);
             press(event.cbutton.button);
         }
         break;
+    }
     default:
         break;
     }
@@ -94,48 +112,37 @@ void Gamepads::press(int button)
     }
 }
 
+void Gamepads::touch(Pad& pad)
+{
+    current = pad.controller;
+    touched = true;
+}
+
 // The number of a device changes with each that comes or goes; its id does not.
 void Gamepads::open(int device)
 {
-    if (!SDL_IsGameController(device) || find(SDL_JoystickGetDeviceInstanceID(device)))
+    if (!SDL_IsGameController(device) ||
+        find(SDL_JoystickGetDeviceInstanceID(device)) != pads.end())
         return;
-    SDL_GameController* pad = SDL_GameControllerOpen(device);
-    if (!pad)
-        return;
-    pads.push_back(pad);
-    // Whoever plugs it in with a stick in the hand moves it no more.
-    if (isTouched(stateOf(pad)))
-        current = pad;
+    if (SDL_GameController* controller = SDL_GameControllerOpen(device))
+        pads.push_back({controller, PadState()});
 }
 
 void Gamepads::close(int id)
 {
-    SDL_GameController* pad = find(id);
-    if (!pad)
+    const auto pad = find(id);
+    if (pad == pads.end())
         return;
-    if (pad == current) {
+    if (pad->controller == current) {
         current = nullptr;
         lost = true;
     }
-    pads.erase(std::find(pads.begin(), pads.end(), pad));
-    SDL_GameControllerClose(pad);
+    SDL_GameControllerClose(pad->controller);
+    pads.erase(pad);
 }
 
-SDL_GameController* Gamepads::find(int id) const
+std::vector<Gamepads::Pad>::iterator Gamepads::find(int id)
 {
-    const auto pad = std::find_if(pads.begin(), pads.end(),
-                                  [id](SDL_GameController* one) { return idOf(one) == id; });
-    return pad == pads.end() ? nullptr : *pad;
-}
-
-PadState Gamepads::stateOf(SDL_GameController* pad)
-{
-    PadState state;
-    state.leftStick = stickOf(pad, SDL_CONTROLLER_AXIS_LEFTX, SDL_CONTROLLER_AXIS_LEFTY);
-    state.rightStick = stickOf(pad, SDL_CONTROLLER_AXIS_RIGHTX, SDL_CONTROLLER_AXIS_RIGHTY);
-    state.secondHand = SDL_GameControllerGetButton(pad, SDL_CONTROLLER_BUTTON_B);
-    for (const auto button :
-         {SDL_CONTROLLER_BUTTON_A, SDL_CONTROLLER_BUTTON_DPAD_UP, SDL_CONTROLLER_BUTTON_DPAD_DOWN})
-        state.otherButton = state.otherButton || SDL_GameControllerGetButton(pad, button);
-    return state;
+    return std::find_if(pads.begin(), pads.end(),
+                        [id](const Pad& pad) { return idOf(pad.controller) == id; });
 }

@@ -22,6 +22,8 @@ public:
     /// Takes in what has happened since the last poll.
     void poll();
 
+    /// Whether somebody was at work on a pad in the last poll.
+    bool wasTouched() const { return touched; }
     /// How the pad that counts is held; a pad at rest when there is none.
     const PadState& state() const { return held; }
     /// Buttons that came down in the last poll, in order.
@@ -30,16 +32,23 @@ public:
     bool hasLostPad() const { return lost; }
 
 private:
+    struct Pad
+    {
+        _SDL_GameController* controller;
+        PadState before;  ///< when it was last moved
+    };
+
     void serve(const SDL_Event& event);
     void press(int button);
     void open(int device);
     void close(int id);
-    _SDL_GameController* find(int id) const;
-    static PadState stateOf(_SDL_GameController* pad);
+    void touch(Pad& pad);
+    std::vector<Pad>::iterator find(int id);
 
-    std::vector<_SDL_GameController*> pads;
+    std::vector<Pad> pads;
     _SDL_GameController* current = nullptr;
     PadState held;
     std::vector<Press> pressed;
+    bool touched = false;
     bool lost = false;
 };

@@ -83,12 +83,9 @@ void HandWindow::usePads()
     pads.poll();
     if (leaving)
         return;
-    if (isMoved(padBefore, pads.state())) {
-        padBefore = pads.state();
-        if (isTouched(padBefore))
-            source = Source::Gamepad;
-    }
-    if (pads.hasLostPad() && source == Source::Gamepad)
+    if (pads.wasTouched())
+        source = Source::Gamepad;
+    else if (pads.hasLostPad() && source == Source::Gamepad)
         source = Source::None;
     for (const Gamepads::Press press : pads.presses()) {
         if (press == Gamepads::Press::Tap)

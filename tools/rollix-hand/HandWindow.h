@@ -49,7 +49,6 @@ private:
     HandMotion motion;
     Gamepads pads;
     PadHand padHand;
-    PadState padBefore;  // when it was last moved
     GameWindow game;
     HandPad* handPad;
     QLabel* clients;
