@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Makes the pictures of the score line: rows of five hearts for nought to five lives, and a coin.
 
 They are drawn from distances to outlines, so that every edge is smooth at any size, and written as PNG
@@ -7,10 +7,10 @@ them as they are instead of scaling them to the next such size.
 """
 
 import math
-import struct
 import sys
-import zlib
 from pathlib import Path
+
+from PIL import Image
 
 HEIGHT = 128
 HEARTS = 5
@@ -19,19 +19,8 @@ ROW_WIDTH = 512
 
 def write_png(path, width, height, pixels):
     """pixels: rows of (r, g, b, a), each 0 to 1."""
-    def chunk(kind, data):
-        body = kind + data
-        return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
-
-    raw = bytearray()
-    for row in pixels:
-        raw.append(0)
-        for pixel in row:
-            raw += bytes(min(255, max(0, round(c * 255))) for c in pixel)
-    path.write_bytes(b"\x89PNG\r\n\x1a\n"
-                     + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0))
-                     + chunk(b"IDAT", zlib.compress(bytes(raw), 9))
-                     + chunk(b"IEND", b""))
+    raw = bytes(min(255, max(0, round(c * 255))) for row in pixels for pixel in row for c in pixel)
+    Image.frombytes("RGBA", (width, height), raw).save(path, optimize=True)
 
 
 def mix(a, b, t):

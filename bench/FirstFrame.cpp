@@ -23,7 +23,8 @@ class EndAfterFrame : public osg::Camera::DrawCallback
 public:
     void operator()(osg::RenderInfo&) const override
     {
-        QTimer::singleShot(0, [] { std::_Exit(0); });
+        QTimer::singleShot(
+            0, [] { std::_Exit(0); });
     }
 };
 

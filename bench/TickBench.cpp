@@ -77,10 +77,9 @@ public:
             original.getNbActors(physx::PxActorTypeFlag::eRIGID_DYNAMIC));
         original.getActors(physx::PxActorTypeFlag::eRIGID_DYNAMIC, bodies.data(),
                            physx::PxU32(bodies.size()));
-        for (physx::PxActor* body : bodies) {
+        for (physx::PxActor* body : bodies)
             if (game.isActor(game.level->board->getId(), body))
                 board = world->copyOf(body->is<physx::PxRigidActor>())->is<physx::PxRigidDynamic>();
-        }
     }
 
     void tick()

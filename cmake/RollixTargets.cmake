@@ -5,11 +5,14 @@ target_compile_options(rollix_flags INTERFACE
 # QMutex::Recursive and the like live on in Qt 5.15; what Qt 6 took away is not our concern here.
 target_compile_definitions(rollix_flags INTERFACE QT_NO_DEPRECATED_WARNINGS)
 
+if(ROLLIX_WERROR)
+    target_compile_options(rollix_flags INTERFACE -Werror)
+endif()
 if(ROLLIX_SANITIZER)
     target_compile_options(rollix_flags INTERFACE
         -fsanitize=${ROLLIX_SANITIZER} -fno-omit-frame-pointer)
     target_link_options(rollix_flags INTERFACE -fsanitize=${ROLLIX_SANITIZER})
-    if(ROLLIX_SANITIZER STREQUAL "undefined")
+    if(ROLLIX_SANITIZER MATCHES "undefined")
         # PhysX, Qt and OpenSceneGraph are built without RTTI data for this check: vptr would
         # report their classes and not ours.
         target_compile_options(rollix_flags INTERFACE

@@ -1,5 +1,5 @@
-// The libraries' headers that take most of a compilation, compiled once for all sources of a target.
-// Sources include what they use all the same: -DROLLIX_PRECOMPILED=OFF builds without this.
+// The libraries' headers that take most of a compilation, compiled once for all sources of a
+// target. Sources include what they use all the same: -DROLLIX_PRECOMPILED=OFF builds without this.
 #include <PxPhysicsAPI.h>
 #include <QApplication>
 #include <QImage>

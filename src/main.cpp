@@ -9,6 +9,7 @@
 //   what PhysX reports comes in at Rollix::onContact and onTrigger;
 //   platform/ stands in for libraries that a distribution does not carry.
 
+#include "base/DataFolder.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -16,12 +17,28 @@
 #include "sound/FmodManager.h"
 
 #include <QApplication>
+#include <QIcon>
+
+namespace {
+
+QIcon windowIcon()
+{
+    QIcon icon;
+    for (const char* size : {"16", "32", "48", "64", "128"})
+        icon.addFile(QString(":/rollix-%1.png").arg(size));
+    return icon;
+}
+
+}  // namespace
 
 int main(int argc, char** argv)
 {
+    DataFolder::enter();
     // Nothing of this is deleted: the process ends with the world alive, and only the sensor, which
     // calls from a thread of its own, and the sound are stopped.
     new QApplication(argc, argv);
+    QApplication::setDesktopFileName("rollix");
+    QApplication::setWindowIcon(windowIcon());
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);
     {

@@ -3,7 +3,8 @@
 # there is nothing to do, so that a second start costs no more than asking.
 
 root=$PWD
-build=$root/build/release
+preset=${preset:-release}
+build=$root/build/$preset
 
 playPackages=(
     ca-certificates cmake g++ ninja-build pkg-config
@@ -12,10 +13,12 @@ playPackages=(
     nlohmann-json3-dev qtbase5-dev
 )
 testPackages=(
-    clang-format-14 faketime git imagemagick libbenchmark-dev libgtest-dev python3 xauth xdotool
-    xvfb
+    appstream clang-format-14 cppcheck desktop-file-utils git imagemagick libbenchmark-dev
+    libgtest-dev man-db python3 python3-pil xauth xdotool xvfb
 )
-longTestPackages=(clang)
+longTestPackages=(clang clang-tidy)
+packagePackages=(dpkg-dev git gzip lintian)
+soakPackages=(gcovr python3-venv)
 
 say() { echo "$command: $*"; }
 
@@ -160,7 +163,7 @@ configure()
     fi
     say "configuring"
     step "configuring" "install what it could not find, or remove build/ and start again" \
-        "$build/configure.log" '^-- ' cmake --preset release "$@"
+        "$build/configure.log" '^-- ' cmake --preset "$preset" "$@"
 }
 
 # compile TARGET...: with all cores; two of our commands at once take turns.

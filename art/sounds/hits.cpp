@@ -15,6 +15,7 @@
 #include <vector>
 
 namespace {
+
 constexpr double pi = 3.14159265358979323846;
 constexpr int rate = 44100;           // frames a second
 constexpr double lead = 0.002;        // s of silence: room for what the coder smears forward
@@ -62,9 +63,9 @@ double drive(double frequency, double contact)
 
 void addMode(std::vector<double>& samples, double frequency, double level, double decay)
 {
-    const std::size_t first = static_cast<std::size_t>(lead * rate);
+    const std::size_t first = std::size_t(lead * rate);
     for (std::size_t i = first; i < samples.size(); ++i) {
-        const double time = static_cast<double>(i - first) / rate;
+        const double time = double(i - first) / rate;
         samples[i] += level * std::exp(-decay * time) * std::sin(2 * pi * frequency * time);
     }
 }
@@ -92,7 +93,7 @@ void addBall(std::vector<double>& samples, const Hit& hit)
 
 void soften(std::vector<double>& samples, const Hit& hit)
 {
-    const std::size_t first = static_cast<std::size_t>(lead * rate);
+    const std::size_t first = std::size_t(lead * rate);
     const double rise = hit.contact * rate;  // frames in which the push comes on
     const double fall = fade * rate;
     for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -104,7 +105,7 @@ void soften(std::vector<double>& samples, const Hit& hit)
 
 std::vector<double> render(const Hit& hit)
 {
-    std::vector<double> samples(static_cast<std::size_t>(hit.seconds * rate));
+    std::vector<double> samples(std::size_t(hit.seconds * rate));
     addPlate(samples, hit);
     addBall(samples, hit);
     soften(samples, hit);
@@ -133,6 +134,7 @@ bool write(const std::string& path, const std::vector<double>& samples)
     const bool written = sf_writef_double(file, samples.data(), count) == count;
     return sf_close(file) == 0 && written;
 }
+
 }  // namespace
 
 int main(int argc, char** argv)

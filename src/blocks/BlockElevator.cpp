@@ -43,7 +43,12 @@ BlockElevator::BlockElevator(Level& owner, float cellX, float cellY, int saturat
     lockJointId = game()->nextId();
     timer.setSingleShot(true);
     timer.setInterval(restMilliseconds);
-    connect(&timer, &QTimer::timeout, this, &BlockElevator::toggle);
+    connect(
+        &timer, &QTimer::timeout, this,
+        [this] {
+            const GameLoop::Lock worldLock;
+            toggle();
+        });
     frameTask = [this] {
         update();
     };

@@ -11,7 +11,7 @@
 /// A block that goes up or down through the board and is locked at each end of its way. Nothing
 /// moves it along a path: it is a body that the drive of a sliding joint pulls against a stop, and
 /// the ball rides on it by contact. An automatic one turns back a second after each end, the others
-/// wait for a button. Main thread.
+/// wait for a button. Main thread, world lock held, in its timer's steps as well.
 class BlockElevator : public QObject, public Block
 {
     Q_OBJECT

@@ -11,6 +11,7 @@
 #include <osg/ShapeDrawable>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -27,9 +28,16 @@ const osg::Vec3f copyPlaces[] = {osg::Vec3f(1.0f, 0.0f, 0.5f), osg::Vec3f(0.7f, 
                                  osg::Vec3f(1.4f, -0.6f, -0.2f)};
 constexpr int mostCopies = 3;
 const osg::Vec3f signPlace(-1.0f, 0.0f, 0.0f);
+const osg::Vec3f middlePlace(0.0f, 0.0f, 0.0f);  // the weight's
 constexpr float signLength = 1.0f;
 constexpr float signDepth = 0.2f;
 constexpr float signWidth = 0.3f;
+
+// How itemShader.vert draws the display, in its frame: twice as large about its middle, lifted, and
+// floating up and down.
+constexpr float drawnScale = 2.0f;
+constexpr float drawnLift = 0.9f;
+constexpr float drawnFloat = 0.12f;
 
 struct Appearance
 {
@@ -56,9 +64,30 @@ void displace(osg::Node* node, const osg::Vec3f& place)
                                             osg::StateAttribute::ON);
 }
 
+/// Bounds that hold the part wherever the shader draws it, in the middle or at one of the places
+/// and turned to any side: of all, since the copies share one drawable.
+void setDrawnBounds(osg::Drawable* part)
+{
+    const osg::BoundingBox own = part->computeBoundingBox();
+    const float reach =
+        std::hypot(std::max(-own.xMin(), own.xMax()), std::max(-own.yMin(), own.yMax()));
+    osg::BoundingBox drawn;
+    for (const osg::Vec3f& place :
+         {copyPlaces[0], copyPlaces[1], copyPlaces[2], signPlace, middlePlace}) {
+        const osg::Vec3f lowest(-reach, -reach, own.zMin());
+        const osg::Vec3f highest(reach, reach, own.zMax());
+        drawn.expandBy((place + lowest) * drawnScale +
+                       osg::Vec3f(0.0f, 0.0f, drawnLift - drawnFloat));
+        drawn.expandBy((place + highest) * drawnScale +
+                       osg::Vec3f(0.0f, 0.0f, drawnLift + drawnFloat));
+    }
+    part->setInitialBound(drawn);
+}
+
 void addCopies(osg::Group* parent, osg::Drawable* model, int count)
 {
     const int copies = std::clamp(std::abs(count), 1, mostCopies);
+    setDrawnBounds(model);
     for (int i = 0; i < copies; ++i) {
         osg::ref_ptr<osg::Geode> geode = new osg::Geode;
         geode->addDrawable(model);
@@ -76,6 +105,8 @@ void addSign(osg::Group* parent, bool plus)
     if (plus)
         geode->addDrawable(
             new osg::ShapeDrawable(new osg::Box(osg::Vec3f(), signWidth, signDepth, signLength)));
+    for (unsigned int i = 0; i < geode->getNumDrawables(); ++i)
+        setDrawnBounds(geode->getDrawable(i));
     displace(geode, signPlace);
     parent->addChild(geode);
 }
@@ -113,7 +144,7 @@ void BlockItem::createDisplay(int count)
     if (count != 0)
         addSign(display, count > 0);
     // The weight's own; around the copies, each of which has its place.
-    displace(display, osg::Vec3f());
+    displace(display, middlePlace);
     itemProgram = addProgram(display, "item", game());
     display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
                                                osg::StateAttribute::ON);

@@ -12,7 +12,7 @@ class ShaderProgram;
 /// A block with something floating above it that the ball takes by touching the block: coins or
 /// lives, given or taken away, or a weight, which frees the ball of gravity for some seconds. What
 /// is taken comes back after ten seconds. Its timer's steps run on the main thread between the
-/// ticks, without the world lock.
+/// ticks, with the world lock held.
 class BlockItem : public QObject, public Block
 {
     Q_OBJECT

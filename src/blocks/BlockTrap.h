@@ -22,7 +22,7 @@ class ShaderProgram;
 /// Four hazards, told apart by the pixel's saturation: a mine that blows the ball away and costs
 /// lives by distance, a spring that throws it, a trapdoor that vanishes under it, and a well that
 /// pulls it in. All but the well rest for ten seconds after they have acted and are then armed
-/// again. Its timer's steps run on the main thread between the ticks, without the world lock.
+/// again. Its timer's steps run on the main thread between the ticks, with the world lock held.
 class BlockTrap : public QObject, public Block
 {
     Q_OBJECT

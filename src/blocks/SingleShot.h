@@ -1,10 +1,12 @@
 #pragma once
 
+#include "frame/GameLoop.h"
+
 #include <QObject>
 #include <QTimer>
 
 /// Calls `slot` of `receiver` once, so many milliseconds from now, from the event loop of the main
-/// thread and so without the world lock. A newer delay of the same timer replaces an older one,
+/// thread and with the world lock held. A newer delay of the same timer replaces an older one,
 /// whatever that one was for.
 template <typename Receiver>
 void startSingleShot(QTimer& timer, int milliseconds, Receiver* receiver, void (Receiver::*slot)())
@@ -13,6 +15,9 @@ void startSingleShot(QTimer& timer, int milliseconds, Receiver* receiver, void (
     timer.setSingleShot(true);
     timer.setInterval(milliseconds);
     timer.disconnect();
-    QObject::connect(&timer, &QTimer::timeout, receiver, slot);
+    QObject::connect(&timer, &QTimer::timeout, receiver, [receiver, slot] {
+        const GameLoop::Lock worldLock;
+        (receiver->*slot)();
+    });
     timer.start();
 }

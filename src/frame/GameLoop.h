@@ -93,7 +93,7 @@ private:
     /// has the world back before the sensor's thread has woken up, again and again.
     QMutex turnstile;
     std::atomic<Qt::HANDLE> worldOwner{nullptr};
-    int worldDepth = 0;  ///< locks of the owner; guarded by worldMutex
+    int worldDepth = 0;  // locks of the owner; guarded by worldMutex
     QMultiMap<double, Task*> intervalTasks;
     std::unordered_map<double, int> intervalCounts;
     std::unordered_set<Task*> frameTasks;

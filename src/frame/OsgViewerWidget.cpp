@@ -14,6 +14,11 @@
 
 namespace {
 
+bool isArrow(int key)
+{
+    return key == Qt::Key_Left || key == Qt::Key_Up || key == Qt::Key_Right || key == Qt::Key_Down;
+}
+
 /// Offers `event` to the listeners in order until one accepts it.
 template <typename Listener, typename Event>
 void offer(const std::list<Listener*>& listeners, void (Listener::*handler)(Event*), Event* event)
@@ -42,6 +47,9 @@ OsgViewerWidget::OsgViewerWidget()
 
 OsgViewerWidget::~OsgViewerWidget()
 {
+    // A view that listens takes itself off the lists as it goes.
+    while (getNumViews() > 0)
+        removeView(getView(0));
     mouseListeners.clear();
     keyListeners.clear();
 }
@@ -56,6 +64,16 @@ void OsgViewerWidget::addMouseListener(MouseListener* listener)
     mouseListeners.push_back(listener);
 }
 
+void OsgViewerWidget::removeKeyListener(KeyListener* listener)
+{
+    keyListeners.remove(listener);
+}
+
+void OsgViewerWidget::removeMouseListener(MouseListener* listener)
+{
+    mouseListeners.remove(listener);
+}
+
 void OsgViewerWidget::paintEvent(QPaintEvent*)
 {
     // The sensor's thread may be at work on a menu: a resize lays out the same lines.
@@ -63,13 +81,34 @@ void OsgViewerWidget::paintEvent(QPaintEvent*)
     frame(std::numeric_limits<double>::max());
 }
 
+bool OsgViewerWidget::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::Resize:
+    case QEvent::Move:
+    case QEvent::ScreenChangeInternal: {
+        // The sensor's thread may be turning a camera.
+        const GameLoop::Lock worldLock;
+        return osgQt::GLWidget::event(event);
+    }
+    default:
+        return osgQt::GLWidget::event(event);
+    }
+}
+
 void OsgViewerWidget::keyPressEvent(QKeyEvent* event)
 {
-    // An event of a program's own making has no scan code. A key that repeats while shift comes
-    // down stays the key that was pressed.
-    if (event->nativeScanCode() != 0 && !event->isAutoRepeat())
-        pressedKeys[event->nativeScanCode()] = event->key();
+    const quint32 scanCode = event->nativeScanCode();
+    // A key that repeats while shift comes down stays the key that was pressed.
+    if (scanCode != 0 && !event->isAutoRepeat()) {
+        pressedKeys[scanCode] = event->key();
+        lostKeys.remove(scanCode);
+    }
     osgQt::GLWidget::keyPressEvent(event);
+    event->ignore();
+    // It was pressed before the focus came: if that goes again, nobody lets go of it.
+    if (scanCode != 0 && !pressedKeys.contains(scanCode))
+        return;
     offer(keyListeners, &KeyListener::keyPressEvent, event);
 }
 
@@ -77,9 +116,14 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
 {
     osgQt::GLWidget::keyReleaseEvent(event);
     event->ignore();
-    // Whoever lets go of shift first releases another key than was pressed; the press decides.
     const quint32 scanCode = event->nativeScanCode();
-    const int pressedKey = scanCode != 0 ? pressedKeys.value(scanCode, event->key()) : event->key();
+    if (lostKeys.contains(scanCode)) {
+        if (!event->isAutoRepeat())
+            lostKeys.remove(scanCode);
+        return;
+    }
+    // Whoever lets go of shift first releases another key than was pressed; the press decides.
+    const int pressedKey = pressedKeys.value(scanCode, event->key());
     if (!event->isAutoRepeat())
         pressedKeys.remove(scanCode);
     if (pressedKey == Qt::Key_F11) {
@@ -102,11 +146,14 @@ void OsgViewerWidget::keyReleaseEvent(QKeyEvent* event)
 void OsgViewerWidget::focusOutEvent(QFocusEvent* event)
 {
     osgQt::GLWidget::focusOutEvent(event);
-    // Whoever leaves the window lets go of its keys: their true releases go to another one.
+    // The true releases go to another window, or come here when they mean nothing any more.
     const QHash<quint32, int> held = std::exchange(pressedKeys, {});
-    for (const int key : held) {
-        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
-        keyReleaseEvent(&release);
+    for (auto key = held.constBegin(); key != held.constEnd(); ++key) {
+        lostKeys.insert(key.key());
+        QKeyEvent release(QEvent::KeyRelease, key.value(), Qt::NoModifier);
+        osgQt::GLWidget::keyReleaseEvent(&release);
+        if (isArrow(key.value()))
+            offer(keyListeners, &KeyListener::keyReleaseEvent, &release);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "platform/osgqt/GLWidget.h"
 
 #include <QHash>
+#include <QSet>
 #include <osgViewer/CompositeViewer>
 
 #include <list>
@@ -25,12 +26,22 @@ public:
     void addKeyListener(KeyListener* listener);
     void addMouseListener(MouseListener* listener);
 
+    /// Takes the listener away wherever it stands; one that stands nowhere is fine. Not to be
+    /// called by a listener while it hears of an event.
+    void removeKeyListener(KeyListener* listener);
+    void removeMouseListener(MouseListener* listener);
+
 protected:
     /// Renders one frame outside the tick, for an expose or a resize.
     void paintEvent(QPaintEvent* event) override;
 
+    /// Takes the world lock for what changes the cameras: a new size, place or screen.
+    bool event(QEvent* event) override;
+
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    /// Lets go of the arrow keys that are down. Whatever else is down then, commands and F11, does
+    /// nothing when it is released.
     void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -42,6 +53,9 @@ private:
     std::list<KeyListener*> keyListeners;
     std::list<MouseListener*> mouseListeners;
 
-    /// What the keys that are down meant when they were pressed, by scan code.
+    /// What the keys that are down meant when they were pressed, by scan code. An event of a
+    /// program's own making has none, and leaves nothing here.
     QHash<quint32, int> pressedKeys;
+    /// Scan codes of what was down when the focus went, until they are pressed or released.
+    QSet<quint32> lostKeys;
 };

@@ -41,10 +41,10 @@ const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
 
-Rollix::Rollix(OsgViewerWidget* widget)
+Rollix::Rollix(OsgViewerWidget* window) : widget(window)
 {
     const GameLoop::Lock worldLock;
-    setUpCamera(widget);
+    setUpCamera();
     createWorld();
     loadLevel(0);
     setSceneData(sceneRoot);
@@ -59,6 +59,9 @@ Rollix::Rollix(OsgViewerWidget* widget)
 
 Rollix::~Rollix()
 {
+    LeapManager::forget(this);
+    if (widget)
+        widget->removeKeyListener(this);
     handCamera = nullptr;
     level = nullptr;
     messageText = nullptr;
@@ -67,7 +70,7 @@ Rollix::~Rollix()
     shaderPrograms.clear();
 }
 
-void Rollix::setUpCamera(OsgViewerWidget* widget)
+void Rollix::setUpCamera()
 {
     osg::Camera* camera = getCamera();
     camera->setGraphicsContext(widget->getGraphicsWindow());
@@ -117,12 +120,11 @@ void Rollix::createMenus()
         addLine("Restart", [this] { requestLevel(LevelAction::Restart); });
         addLine("Next Level", [this] { requestLevel(LevelAction::Next); });
         addLine("Previous Level", [this] { requestLevel(LevelAction::Previous); });
-        if (canContinue) {
+        if (canContinue)
             addLine("Continue", [this] {
                 pauseMenu->hide();
                 state = GameState::WaitingForRest;
             });
-        }
         osg::ref_ptr<MenuHUD> menu = new MenuHUD;
         menu->init(sceneRoot, this);
         menu->setRootItem(folder);
@@ -155,6 +157,7 @@ void Rollix::loadLevel(unsigned int number)
     // Ids start anew with each level; what the old ones showed is gone.
     actorTransforms.clear();
     level = new Level(number, sceneRoot, this);
+    isMessageOld = messageText && messageText->isVisible();
     state = GameState::WaitingForRest;
 }
 
@@ -169,14 +172,32 @@ void Rollix::showMessage(const std::string& text, const osg::Vec4f& color)
 
 void Rollix::levelCompleted()
 {
-    state = GameState::LevelCompleted;
-    showMessage("Well Done!", goodNews);
+    endLevel(GameState::LevelCompleted, "Well Done!", goodNews);
 }
 
 void Rollix::levelFailed()
 {
-    state = GameState::LevelFailed;
-    showMessage("Not even close...", badNews);
+    endLevel(GameState::LevelFailed, "Not even close...", badNews);
+}
+
+void Rollix::endLevel(GameState outcome, const std::string& text, const osg::Vec4f& color)
+{
+    // The fuse of a mine burns on behind a menu.
+    if (pauseMenu->isVisible())
+        pauseMenu->hide();
+    state = outcome;
+    isMessageOld = false;
+    showMessage(text, color);
+}
+
+bool Rollix::hasLevelEnded() const
+{
+    return state == GameState::LevelCompleted || state == GameState::LevelFailed;
+}
+
+bool Rollix::isMenuVisible() const
+{
+    return pauseMenu->isVisible() || endMenu->isVisible();
 }
 
 ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
@@ -230,13 +251,13 @@ void Rollix::applyKeyTorque()
     const auto turn = [&](const osg::Vec3f& axis) {
         addTorque(boardId, rotation * axis, forceModeVelocityChange, true);
     };
-    if (keyUp)
+    if (keyUp.takeTick())
         turn(osg::Vec3f(0.1f, 0.0f, 0.0f));
-    if (keyDown)
+    if (keyDown.takeTick())
         turn(osg::Vec3f(-0.1f, 0.0f, 0.0f));
-    if (keyLeft)
+    if (keyLeft.takeTick())
         turn(osg::Vec3f(0.0f, 0.1f, 0.0f));
-    if (keyRight)
+    if (keyRight.takeTick())
         turn(osg::Vec3f(0.0f, -0.1f, 0.0f));
 }
 
@@ -245,7 +266,20 @@ float Rollix::timeStep()
     return world::secondsPerTick;
 }
 
-bool* Rollix::keyFlag(int key)
+void Rollix::ArrowKey::press()
+{
+    // What repeats has had its ticks.
+    isDue = isDue || !isHeld;
+    isHeld = true;
+}
+
+bool Rollix::ArrowKey::takeTick()
+{
+    const bool wasDue = std::exchange(isDue, false);
+    return isHeld || wasDue;
+}
+
+Rollix::ArrowKey* Rollix::arrowKey(int key)
 {
     switch (key) {
     case Qt::Key_Up:
@@ -263,10 +297,21 @@ bool* Rollix::keyFlag(int key)
 
 void Rollix::keyPressEvent(QKeyEvent* event)
 {
-    if (bool* flag = keyFlag(event->key())) {
-        *flag = true;
+    if (ArrowKey* arrow = arrowKey(event->key())) {
+        arrow->press();
+        if (!event->isAutoRepeat())
+            takeOldMessageAway();
         event->accept();
     }
+}
+
+void Rollix::takeOldMessageAway()
+{
+    const GameLoop::Lock worldLock;
+    if (!isMessageOld || isMenuVisible())
+        return;
+    messageText->hide();
+    isMessageOld = false;
 }
 
 void Rollix::keyReleaseEvent(QKeyEvent* event)
@@ -292,8 +337,8 @@ void Rollix::serveKey(QKeyEvent* event)
         return;
     }
 
-    if (bool* flag = keyFlag(event->key())) {
-        *flag = false;
+    if (ArrowKey* arrow = arrowKey(event->key())) {
+        arrow->release();
         event->accept();
         return;
     }
@@ -310,6 +355,12 @@ void Rollix::serveKey(QKeyEvent* event)
     case Qt::Key_Escape:
         state = GameState::PauseMenu;
         pauseMenu->toggle();
+        break;
+    case Qt::Key_Return:
+        // A sensor's next frame would do it; there may be none.
+        if (!hasLevelEnded())
+            return;
+        endMenu->show();
         break;
     default:
         return;

@@ -4,6 +4,8 @@
 #include "game/GravlinApplication.h"
 #include "shaders/ShaderProgram.h"
 
+#include <QPointer>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,7 +49,7 @@ public:
     float timeStep() override;
 
     void keyPressEvent(QKeyEvent* event) override;
-    /// Menus and commands act on release. A release that a menu takes leaves the arrow's flag set.
+    /// Menus and commands act on release. A release that a menu takes leaves the arrow key held.
     void keyReleaseEvent(QKeyEvent* event) override;
 
     void onContact(const physx::PxContactPairHeader& header, const physx::PxContactPair* pairs,
@@ -66,19 +68,33 @@ public:
     osg::ref_ptr<TextHUD> messageText;
     osg::ref_ptr<Level> level;
 
-    /// Plain and unguarded, though the sensor's thread writes it too: a lost transition is made up
-    /// for by the next frame.
+    /// Written under the world lock. The sensor's thread looks at it without, to see what a frame
+    /// is for, and again once it has the lock.
     GameState state = GameState::Initial;
 
     osg::ref_ptr<HandCamera> handCamera;
 
 protected:
+    /// Leaves the sensor and the widget first. Without the world lock, which a frame that is being
+    /// served may be waiting for.
     ~Rollix() override;
 
 private:
     enum class LevelAction : int { None = 0, Restart = 1, Next = 2, Previous = 3 };
 
-    void setUpCamera(OsgViewerWidget* widget);
+    /// An arrow key. What is pressed counts for a tick, even if it is let go of before that.
+    struct ArrowKey
+    {
+        void press();
+        void release() { isHeld = false; }
+        /// Whether it turns the board in this tick.
+        bool takeTick();
+
+        bool isHeld = false;
+        bool isDue = false;
+    };
+
+    void setUpCamera();
     void createWorld();
     void createHandCamera();
     void loadSounds();
@@ -86,14 +102,22 @@ private:
     void createMessageText();
     void requestLevel(LevelAction action);
     void showMessage(const std::string& text, const osg::Vec4f& color);
+    void endLevel(GameState outcome, const std::string& text, const osg::Vec4f& color);
+    bool hasLevelEnded() const;
+    bool isMenuVisible() const;
 
     void serveLevelAction();
     void applyKeyTorque();
-    bool* keyFlag(int key);
+    ArrowKey* arrowKey(int key);
     void serveKey(QKeyEvent* event);
+    void takeOldMessageAway();
 
+    GameState stateAtAGlance() const;
+    void changeState(GameState from, GameState to);
+    osg::MatrixTransform* guide();
+    void hideGuide();
     void awaitRestPose(const Leap::Frame& frame);
-    bool detectScreenTap(const Leap::Frame& frame);
+    static bool detectScreenTap(const Leap::Frame& frame);
     void applyHandTilt(const Leap::Frame& frame);
     void drivePauseMenu(const Leap::Controller& controller);
     void driveEndMenu(const Leap::Controller& controller);
@@ -102,8 +126,15 @@ private:
     /// The lines of both menus, which own none.
     std::vector<std::unique_ptr<AbstractMenuItem>> menuItems;
     LevelAction pendingLevelAction = LevelAction::None;
-    bool keyUp = false;
-    bool keyDown = false;
-    bool keyLeft = false;
-    bool keyRight = false;
+    ArrowKey keyUp;
+    ArrowKey keyDown;
+    ArrowKey keyLeft;
+    ArrowKey keyRight;
+
+    /// The message is of a level before this one, and no sensor has spoken since.
+    bool isMessageOld = false;
+    /// The guide plate has been brought up by a frame; the sensor's thread alone looks here.
+    bool isGuideUp = false;
+
+    QPointer<OsgViewerWidget> widget;
 };

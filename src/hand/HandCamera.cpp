@@ -57,9 +57,8 @@ void HandCamera::updateView()
 bool HandCamera::handleFrame(Leap::Frame frame)
 {
     const Leap::HandList hands = frame.hands();
-    if (!(hands.count() > 1)) {
+    if (!(hands.count() > 1))
         return false;
-    }
     const Leap::Hand first = hands[0];
     const Leap::Hand second = hands[1];
 

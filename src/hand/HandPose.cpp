@@ -48,17 +48,15 @@ osg::Vec3f alignmentRotation(const osg::Quat& orientation, const osg::Vec3f& fro
     const osg::Vec3f twistTo = projectedOnPlane(tilt.conj() * toForward, normal);
 
     osg::Quat twist;
-    if (twistFrom.length2() > negligibleLength2 && twistTo.length2() > negligibleLength2) {
+    if (twistFrom.length2() > negligibleLength2 && twistTo.length2() > negligibleLength2)
         twist.makeRotate(twistFrom, twistTo);
-    }
 
     const osg::Quat rotation = tilt * twist;
     double angle = 0.0;
     osg::Vec3d axis;
     rotation.getRotate(angle, axis);
-    if (angle > static_cast<double>(minAngle)) {
+    if (angle > double(minAngle))
         return osg::Vec3f(axis * angle);
-    }
     return osg::Vec3f();
 }
 

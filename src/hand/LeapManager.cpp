@@ -24,9 +24,8 @@ LeapManager* LeapManager::instance()
 void LeapManager::setListener(Leap::Listener* newListener)
 {
     LeapManager* self = instance();
-    if (self->listener) {
+    if (self->listener)
         self->controller.removeListener(*self->listener);
-    }
     self->listener = newListener;
     self->controller.addListener(*newListener);
 }
@@ -34,7 +33,15 @@ void LeapManager::setListener(Leap::Listener* newListener)
 void LeapManager::removeListener()
 {
     LeapManager* self = instance();
-    if (self->listener) {
+    if (self->listener)
         self->controller.removeListener(*self->listener);
-    }
+}
+
+void LeapManager::forget(Leap::Listener* listener)
+{
+    // Also from what ends after the exit handlers.
+    if (!manager || manager->listener != listener)
+        return;
+    removeListener();
+    manager->listener = nullptr;
 }

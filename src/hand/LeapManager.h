@@ -18,6 +18,10 @@ public:
     /// must not hold the world lock, which such a call may be waiting for.
     static void removeListener();
 
+    /// For a listener that ends: the same, if it is the one that is set, which is then nobody's any
+    /// more.
+    static void forget(Leap::Listener* listener);
+
 private:
     LeapManager() = default;
     ~LeapManager() override = default;

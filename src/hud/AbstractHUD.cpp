@@ -125,5 +125,5 @@ void AbstractHUD::resizeToViewport()
     const osg::Viewport* viewport = view->getCamera()->getViewport();
     if (!viewport)
         return;
-    resize(static_cast<int>(viewport->width()), static_cast<int>(viewport->height()));
+    resize(int(viewport->width()), int(viewport->height()));
 }

@@ -42,11 +42,12 @@ void ImageHUD::build()
         reportUnreadable("image", imageFile, "Imagine it.");
         return;
     }
+    noteReadable(imageFile);
 
-    const int px = static_cast<int>(getWidth() * position.x());
-    const int py = static_cast<int>(getHeight() * position.y());
-    int w = static_cast<int>(getWidth() * size.x());
-    int h = static_cast<int>(getHeight() * size.y());
+    const int px = int(getWidth() * position.x());
+    const int py = int(getHeight() * position.y());
+    int w = int(getWidth() * size.x());
+    int h = int(getHeight() * size.y());
     if (w != 0 && h == 0) {
         h = image->t() * w / image->s();
     } else if (h != 0 && w == 0) {

@@ -15,6 +15,8 @@ namespace {
 
 constexpr const char* fontFile = "data/Bevan.ttf";
 constexpr float outlineWidth = 0.05f;  // of the character size
+constexpr float smallestSize = 1.0f;   // pixels
+constexpr float windowMargin = 1.0f;   // pixels that stay free along the window's edges
 const osg::Vec4f outlineColor(1.0f, 1.0f, 1.0f, 1.0f);
 
 // For a file that is missing, any font of the system may be handed out.
@@ -22,6 +24,31 @@ bool isOwnFont(const osgText::Font* font)
 {
     return font &&
            osgDB::getSimpleFileName(font->getFileName()) == osgDB::getSimpleFileName(fontFile);
+}
+
+void setSize(osgText::Text& drawable, float size)
+{
+    drawable.setCharacterSize(size);
+    // A texel of the glyphs' atlas for each pixel: the default would blur the large lines. So
+    // nothing is ever drawn smaller than it is in the atlas, and mipmaps would only cost.
+    const unsigned int resolution =
+        static_cast<unsigned int>(std::ceil(std::max(size, smallestSize)));
+    drawable.setFontResolution(resolution, resolution);
+}
+
+/// How much of a text that reaches from `low` to `high` around its anchor there is room for between
+/// 0 and `room`, at most 1. On a side where the anchor itself leaves none no size would help: it
+/// does not count.
+float roomAround(float anchor, float low, float high, float room)
+{
+    const float below = anchor - windowMargin;
+    const float above = room - windowMargin - anchor;
+    float share = 1.0f;
+    if (below > 0.0f && anchor - low > below)
+        share = below / (anchor - low);
+    if (above > 0.0f && high - anchor > above)
+        share = std::min(share, above / (high - anchor));
+    return share;
 }
 
 }  // namespace
@@ -50,16 +77,13 @@ void TextHUD::build()
 {
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
     geode->addDrawable(drawable);
-    drawable->setCharacterSize(characterSize);
-    // A texel of the glyphs' atlas for each pixel: the default would blur the large lines. So
-    // nothing is ever drawn smaller than it is in the atlas, and mipmaps would only cost.
-    const unsigned int resolution =
-        static_cast<unsigned int>(std::ceil(std::max(characterSize, 1.0f)));
-    drawable->setFontResolution(resolution, resolution);
+    setSize(*drawable, characterSize);
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
     if (font)
         font->setMinFilterHint(osg::Texture::LINEAR);
-    if (!isOwnFont(font))
+    if (isOwnFont(font))
+        noteReadable(fontFile);
+    else
         reportUnreadable("font", fontFile, "I write with what I have.");
     drawable->setFont(font);
     drawable->setText(text);
@@ -69,11 +93,32 @@ void TextHUD::build()
     drawable->setBackdropType(osgText::Text::OUTLINE);
     drawable->setAxisAlignment(osgText::TextBase::SCREEN);
     // Whole pixels keep the glyphs sharp.
-    const int x = static_cast<int>(getWidth() * position.x());
-    const int y = static_cast<int>(getHeight() * position.y());
+    const int x = int(getWidth() * position.x());
+    const int y = int(getHeight() * position.y());
     drawable->setPosition(osg::Vec3(x, y, 0));
     drawable->setColor(color);
     drawable->setAlignment(alignment);
+    // The lines of a menu tell by their sizes which of them is chosen: only who stands alone
+    // shrinks.
+    if (!inContainer)
+        fitIntoWindow(*drawable);
+}
+
+void TextHUD::fitIntoWindow(osgText::Text& drawable) const
+{
+    const osg::Vec3& anchor = drawable.getPosition();
+    float size = characterSize;
+    while (size > smallestSize) {
+        const osg::BoundingBox bounds = drawable.getBoundingBox();
+        const float share =
+            std::min(roomAround(anchor.x(), bounds.xMin(), bounds.xMax(), float(getWidth())),
+                     roomAround(anchor.y(), bounds.yMin(), bounds.yMax(), float(getHeight())));
+        if (share >= 1.0f)
+            return;
+        // Whole pixels keep the glyphs sharp; the widths of glyphs do not shrink evenly with them.
+        size = std::max(std::min(std::floor(size * share), size - 1.0f), smallestSize);
+        setSize(drawable, size);
+    }
 }
 
 void TextHUD::setText(std::string newText)

@@ -10,7 +10,8 @@
 
 class ShaderProgram;
 
-/// One line of text with a white outline.
+/// One line of text with a white outline. A line that stands alone and would cross an edge of the
+/// window is drawn smaller than its size, until it fits.
 class TextHUD : public AbstractHUD
 {
 public:
@@ -24,7 +25,7 @@ public:
 
     void setText(std::string text);
     void setColor(const osg::Vec4f& color);
-    /// Height in pixels.
+    /// Height in pixels, where the window has room for it.
     void setCharacterSize(float size);
     /// The anchor, in fractions of the window from its lower left corner.
     void setPosition(osg::Vec2f position);
@@ -41,5 +42,7 @@ protected:
     osg::Vec4f color{0.0f, 0.0f, 0.0f, 1.0f};
 
 private:
+    void fitIntoWindow(osgText::Text& drawable) const;
+
     osg::ref_ptr<ShaderProgram> shader;
 };

@@ -23,8 +23,8 @@ using BlockGroup = std::vector<osg::ref_ptr<Block>>;
 /// What a non-empty pixel becomes: a cell of the board with a height, in some cases a slope, a body
 /// and a place in a link group. A static block is merged into the board's actor and geode; a
 /// dynamic one has an actor and a transform of its own, tied to the board by a joint. Its events
-/// come on the main thread, those of the ball inside the physics step with the world lock held;
-/// onSignal may come from a button's timer, without it.
+/// come on the main thread with the world lock held: those of the ball inside the physics step,
+/// onSignal there or from a button's timer.
 class Block : public GameObject
 {
 public:

@@ -1,6 +1,7 @@
 #include "level/BlockButton.h"
 
 #include "base/Say.h"
+#include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Board.h"
 #include "level/Decoration.h"
@@ -96,7 +97,10 @@ void BlockButton::onBallContact(Ball*)
         return;
     }
     setPressed(!pressed);
-    QTimer::singleShot(int(option.coolDown * 1000.0), this, &BlockButton::cooledDown);
+    QTimer::singleShot(int(option.coolDown * 1000.0), this, [this] {
+        const GameLoop::Lock worldLock;
+        cooledDown();
+    });
 }
 
 void BlockButton::cooledDown()

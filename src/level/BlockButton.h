@@ -29,7 +29,7 @@ public:
     void reset() override;
 
 public slots:
-    /// The end of the cool-down. Main thread, between ticks.
+    /// The end of the cool-down. Main thread, between ticks, world lock held.
     void cooledDown();
 
 protected:

@@ -75,8 +75,19 @@ void BlockCheckpoint::createFlag()
             osg::StateAttribute::ON);
     pose = std::make_unique<UniformAnimation<osg::Vec3f>>(stateSet, "a_Pose", raised);
 
-    flagShader = addProgram(flagGeode, "flag", game());
+    createFlagProgram();
     createPole();
+}
+
+void BlockCheckpoint::createFlagProgram()
+{
+    if (type == CheckpointType::Checkpoint) {
+        flagShader = addProgram(flagGeode, "flag", game());
+        return;
+    }
+    // A goal has no colour of its own, and would see that of the flag drawn last.
+    flagShader = new ShaderProgram(flagGeode);
+    game()->setSharedStages(*flagShader, "flag");
 }
 
 void BlockCheckpoint::createPole()
@@ -106,10 +117,9 @@ void BlockCheckpoint::passFlag()
 
 void BlockCheckpoint::reachGoal()
 {
-    for (const BlockCheckpoint* other : allCheckpoints) {
+    for (const BlockCheckpoint* other : allCheckpoints)
         if (other->type == CheckpointType::Checkpoint && other->required && !other->passed)
             return;
-    }
     level->changeCoins(coins);
     level->complete();
 }

@@ -33,6 +33,7 @@ protected:
 
 private:
     void createFlag();
+    void createFlagProgram();
     void createPole();
     void passFlag();
     void reachGoal();

@@ -89,10 +89,9 @@ void Board::mergeStaticBlocks(int columns, int rows)
         const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
         return inside ? std::ptrdiff_t(row) * columns + column : -1;
     };
-    for (const osg::ref_ptr<Block>& block : blocks) {
+    for (const osg::ref_ptr<Block>& block : blocks)
         if (block->getTransform() == transform && block->isFlat())
             filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
-    }
     BoardMesh([&](float x, float y) {
         const std::ptrdiff_t index = cellIndex(x, y);
         return index < 0 ? 0.0f : filled[std::size_t(index)];

@@ -41,10 +41,9 @@ void Board::onBallContact(const physx::PxContactPairHeader& header,
     if (game()->isShapeContactBetween(ballGroup, boardGroup, pairs[0]) && impulse > audibleImpulse)
         playHitSound(impulse);
 
-    for (const auto& [actorId, block] : contactBlocks) {
+    for (const auto& [actorId, block] : contactBlocks)
         if (game()->isContactBetween(level->ball->getId(), actorId, header))
             block->onBallContact(level->ball);
-    }
 }
 
 void Board::playHitSound(float impulse)

@@ -22,10 +22,9 @@ LevelPixel LevelPixel::decode(QRgb argb)
 
 BlockKind blockKindOfHue(int hue)
 {
-    for (const HueRange& range : hueRanges) {
+    for (const HueRange& range : hueRanges)
         if (hue >= range.first && hue <= range.last)
             return range.kind;
-    }
     return BlockKind::None;
 }
 

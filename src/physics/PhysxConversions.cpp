@@ -1,6 +1,7 @@
 #include "physics/PhysxConversions.h"
 
 namespace {
+
 constexpr int elements = 16;
 }
 
@@ -8,7 +9,7 @@ physx::PxMat44 toPxMat44(const osg::Matrixd& matrix)
 {
     float values[elements];
     for (int i = 0; i < elements; ++i)
-        values[i] = static_cast<float>(matrix.ptr()[i]);
+        values[i] = float(matrix.ptr()[i]);
     return physx::PxMat44(values);
 }
 

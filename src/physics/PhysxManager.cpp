@@ -8,6 +8,7 @@
 using namespace physx;
 
 namespace {
+
 // What PhysX tunes its tolerances to: a world of objects of one unit that move ten units a second.
 constexpr float typicalLength = 1.0f;
 constexpr float typicalSpeed = 10.0f;
@@ -31,6 +32,7 @@ PxTolerancesScale tolerancesScale()
     scale.speed = typicalSpeed;
     return scale;
 }
+
 }  // namespace
 
 PhysxManager* PhysxManager::instance()

@@ -8,6 +8,7 @@
 using namespace physx;
 
 namespace {
+
 /// PhysX's own conditions on a material, which its release build does not check.
 bool isFriction(float value)
 {
@@ -23,6 +24,7 @@ unsigned int groupOf(const PxShape* shape)
 {
     return shape->getSimulationFilterData().word0;
 }
+
 }  // namespace
 
 PhysxScene::PhysxScene() = default;

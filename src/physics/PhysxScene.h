@@ -29,9 +29,9 @@ physx::PxFilterFlags filterShader(physx::PxFilterObjectAttributes attributes0,
 /// Units are the world's, angles radians. Every misuse prints one sentence in the first person on
 /// standard output and changes nothing; results may be ignored.
 ///
-/// Threads: all operations need the world lock, on the main and on the sensor thread alike. Those
-/// marked "queued" check their id at once and act at the start of the next step(); only these may
-/// be called from inside a physics event.
+/// Threads: all operations need the world lock, on the main and on the sensor thread alike, in a
+/// timer as well as in a tick. Those marked "queued" check their id at once and act at the start of
+/// the next step(). From inside a physics event only these may be called, and setD6Motion().
 class PhysxScene : public osg::Referenced, public physx::PxSimulationEventCallback
 {
 public:

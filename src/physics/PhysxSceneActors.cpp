@@ -12,6 +12,7 @@
 using namespace physx;
 
 namespace {
+
 constexpr double planeDensity = 0.0;      // a static actor is not weighed
 constexpr PxU16 convexVertexLimit = 255;  // the most that PhysX takes
 constexpr float flatness = 1e-6f;         // of a hull's volume in that of the cube around it
@@ -19,7 +20,7 @@ constexpr float flatness = 1e-6f;         // of a hull's volume in that of the c
 PxVec3 halfOf(const osg::Vec3f& size)
 {
     const auto half = [](float edge) {
-        return static_cast<float>(edge * 0.5);
+        return float(edge * 0.5);
     };
     return PxVec3(half(size.x()), half(size.y()), half(size.z()));
 }
@@ -36,9 +37,9 @@ bool hasSolidShape(const PxRigidActor& actor)
 template <typename Measure>
 PxVec3 farthest(const std::vector<PxVec3>& points, const Measure& measure)
 {
-    return *std::max_element(points.begin(), points.end(), [&](const PxVec3& a, const PxVec3& b) {
-        return measure(a) < measure(b);
-    });
+    return *std::max_element(
+        points.begin(), points.end(),
+        [&](const PxVec3& a, const PxVec3& b) { return measure(a) < measure(b); });
 }
 
 /// Points on one spot, line or plane have no hull. Cooking would give them a thickness of its own.
@@ -80,7 +81,7 @@ PxConvexMesh* cookConvex(const std::vector<PxVec3>& points)
     if (!spanASolid(points))
         return nullptr;
     PxConvexMeshDesc description;
-    description.points.count = static_cast<PxU32>(points.size());
+    description.points.count = PxU32(points.size());
     description.points.stride = sizeof(PxVec3);
     description.points.data = points.data();
     description.flags = PxConvexFlag::eCOMPUTE_CONVEX;
@@ -92,6 +93,7 @@ PxConvexMesh* cookConvex(const std::vector<PxVec3>& points)
     PxDefaultMemoryInputData input(cooked.getData(), cooked.getSize());
     return PhysxManager::physics()->createConvexMesh(input);
 }
+
 }  // namespace
 
 PxRigidActor* PhysxScene::findActor(unsigned int id)
@@ -165,7 +167,7 @@ void PhysxScene::addToScene(PxRigidActor* actor, double density)
     if (auto* body = actor->is<PxRigidDynamic>()) {
         // With nothing to weigh PhysX complains, and then does just this.
         if (hasSolidShape(*body)) {
-            PxRigidBodyExt::updateMassAndInertia(*body, static_cast<float>(density), nullptr);
+            PxRigidBodyExt::updateMassAndInertia(*body, float(density), nullptr);
         } else {
             body->setMass(1.0f);
             body->setMassSpaceInertiaTensor(PxVec3(1.0f));
@@ -222,7 +224,7 @@ bool PhysxScene::createSphere(unsigned int id, double radius, double density, st
                               unsigned int filterMask)
 {
     PxRigidDynamic* body = createDynamicActor(id, motion);
-    if (!body || !addShape(body, PxSphereGeometry(static_cast<float>(radius)), std::move(material),
+    if (!body || !addShape(body, PxSphereGeometry(float(radius)), std::move(material),
                            osg::Matrixd::identity(), filterGroup, filterMask, false))
         return false;
     addToScene(body, density);

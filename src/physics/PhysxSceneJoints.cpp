@@ -9,6 +9,7 @@
 using namespace physx;
 
 namespace {
+
 constexpr float defaultContactDistance = -1.0f;  // asks for PhysX's own
 constexpr float linearContactShare = 0.01f;      // of the world's typical length
 constexpr float coneContactShare = 0.49f;        // of the smaller angle
@@ -43,6 +44,7 @@ void releaseJoint(PxJoint& joint)
     joint.release();
     renewOtherJointsOf(pair[0], pair[1]);
 }
+
 }  // namespace
 
 PxJoint* PhysxScene::findJoint(unsigned int jointId)

@@ -9,6 +9,7 @@
 using namespace physx;
 
 namespace {
+
 const char* const cannotForce = " is not dynamic. The force cannot be with him.";
 const char* const ignoresForces = " is kinematic. He won't respond to forces.";
 const char* const cannotSetVelocity = " is not dynamic. I cannot set a velocity.";
@@ -87,6 +88,7 @@ void takeMotionOver(const PxRigidDynamic& leader, PxRigidDynamic& follower)
     follower.setLinearVelocity(leader.getLinearVelocity() + spin.cross(arm));
     follower.setAngularVelocity(spin);
 }
+
 }  // namespace
 
 void PhysxScene::setPose(unsigned int id, const osg::Matrixd& pose)

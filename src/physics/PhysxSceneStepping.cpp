@@ -10,6 +10,7 @@
 using namespace physx;
 
 namespace {
+
 constexpr PxU32 workerThreads = 1;
 
 void releaseAll(const std::unordered_map<unsigned int, PxRigidActor*>& actors)
@@ -17,6 +18,7 @@ void releaseAll(const std::unordered_map<unsigned int, PxRigidActor*>& actors)
     for (const auto& [id, actor] : actors)
         actor->release();
 }
+
 }  // namespace
 
 PxFilterFlags filterShader(PxFilterObjectAttributes attributes0, PxFilterData data0,
@@ -69,7 +71,7 @@ void PhysxScene::step(double dt)
     runTasks();
     constexpr bool controlSimulation = true;
     constexpr bool block = true;
-    scene->simulate(static_cast<float>(dt), nullptr, nullptr, 0, controlSimulation);
+    scene->simulate(float(dt), nullptr, nullptr, 0, controlSimulation);
     scene->fetchResults(block, nullptr);
 }
 

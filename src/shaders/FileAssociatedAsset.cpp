@@ -91,10 +91,9 @@ void FileAssociatedAsset::notify(const QString& path)
     const Lock lock(assetsMutex());
     say(path.toStdString(), " was changed");
     // One notice may take other assets of this file away, so the walk is over a copy.
-    for (FileAssociatedAsset* asset : assets.values(path)) {
+    for (FileAssociatedAsset* asset : assets.values(path))
         if (assets.contains(path, asset))
             asset->fileChanged(path.toStdString());
-    }
 }
 
 // Editors save by renaming a new file over the old one. The watch is on the old file, not on its

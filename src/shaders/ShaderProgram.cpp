@@ -12,9 +12,12 @@ namespace {
 
 constexpr qint64 readBlockSize = 1024;  // bytes
 
-void reportUnreadableShader(const std::string& file)
+void noteShaderFile(const std::string& file, bool readable)
 {
-    reportUnreadable("shader", file, "What it colours looks odd now.");
+    if (readable)
+        noteReadable(file);
+    else
+        reportUnreadable("shader", file, "What it colours looks odd now.");
 }
 
 }  // namespace
@@ -58,15 +61,14 @@ ShaderProgram::~ShaderProgram()
         setStage(geometryShader, nullptr);
         setStage(vertexShader, nullptr);
     }
-    osg::ref_ptr<osg::Node> target;
-    if (node.lock(target) && target->getStateSet())
+    if (osg::Node* target = node.get(); target && target->getStateSet())
         target->getStateSet()->removeAttribute(program);
 }
 
 void ShaderProgram::install()
 {
-    osg::ref_ptr<osg::Node> target;
-    if (node.lock(target))
+    // Not by a reference: one to a node that nobody holds yet is not to be had.
+    if (osg::Node* target = node.get())
         target->getOrCreateStateSet()->setAttributeAndModes(program, osg::StateAttribute::ON);
 }
 
@@ -74,10 +76,9 @@ void ShaderProgram::endSharing()
 {
     sharedWith = nullptr;
     program = new osg::Program;
-    for (const osg::ref_ptr<Shader>& stage : {vertexShader, geometryShader, fragmentShader}) {
+    for (const osg::ref_ptr<Shader>& stage : {vertexShader, geometryShader, fragmentShader})
         if (stage)
             program->addShader(stage->shader);
-    }
     install();
 }
 
@@ -127,8 +128,7 @@ void ShaderProgram::setStage(osg::ref_ptr<Shader>& stage, Shader* shader)
 ShaderProgram::Shader::Shader(std::string file, unsigned int type)
     : shader(new osg::Shader(static_cast<osg::Shader::Type>(type)))
 {
-    if (!shader->loadShaderSourceFromFile(file))
-        reportUnreadableShader(file);
+    noteShaderFile(file, shader->loadShaderSourceFromFile(file));
     // A failed load forgets the name, and reload needs it.
     shader->setFileName(file);
     shader->setName(file);
@@ -163,8 +163,7 @@ void ShaderProgram::Shader::reload()
 {
     const std::string file = shader->getFileName();
     if (injections.empty()) {
-        if (!shader->loadShaderSourceFromFile(file))
-            reportUnreadableShader(file);
+        noteShaderFile(file, shader->loadShaderSourceFromFile(file));
         return;
     }
     QString source = readTextFile(file);
@@ -211,8 +210,7 @@ void ShaderProgram::CodeInjection::removeShader(Shader* shader)
 ShaderProgram::CodeFileInjection::CodeFileInjection(std::string file, std::string marker)
     : CodeInjection("", std::move(marker)), fileName(std::move(file))
 {
-    if (!QFile::exists(QString::fromStdString(fileName)))
-        reportUnreadableShader(fileName);
+    noteShaderFile(fileName, QFile::exists(QString::fromStdString(fileName)));
     setCode(readTextFile(fileName), false);
 }
 

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 namespace {
+
 constexpr int channelCount = 42;
 
 osg::ref_ptr<FmodManager> manager;
@@ -17,6 +18,7 @@ void dropManager()
 {
     manager = nullptr;
 }
+
 }  // namespace
 
 FmodManager::FmodManager()

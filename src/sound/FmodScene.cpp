@@ -6,8 +6,10 @@
 #include <fmod_errors.h>
 
 namespace {
+
 constexpr int playOnce = 0;
 constexpr int playLooped = 1;
+
 }  // namespace
 
 FmodScene::~FmodScene()

@@ -4,16 +4,20 @@
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
+#include "level/BlockButton.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "physics/PhysxManager.h"
 #include "support/GameTest.h"
 
+#include <PxPhysicsAPI.h>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <osg/Math>
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -109,6 +113,30 @@ protected:
             way(block) + osg::Vec3d(block.x, block.y, block.height + world::ballRadius + 0.005);
         putsBall(top * boardPose());
         ticks(2);
+    }
+
+    /// The one sliding joint of the world.
+    static const physx::PxD6Joint& slideJoint()
+    {
+        using namespace physx;
+        const PxD6Joint* slide = nullptr;
+        int count = 0;
+        for (PxU32 i = 0; i < PhysxManager::physics()->getNbScenes(); ++i) {
+            PxScene* world = nullptr;
+            PhysxManager::physics()->getScenes(&world, 1, i);
+            std::vector<PxConstraint*> constraints(world->getNbConstraints());
+            world->getConstraints(constraints.data(), PxU32(constraints.size()));
+            for (PxConstraint* constraint : constraints) {
+                PxU32 kind = 0;
+                auto* joint = static_cast<PxJoint*>(constraint->getExternalReference(kind));
+                if (kind == PxConstraintExtIDs::eJOINT && joint->is<PxD6Joint>()) {
+                    slide = joint->is<PxD6Joint>();
+                    ++count;
+                }
+            }
+        }
+        EXPECT_EQ(count, 1);
+        return *slide;
     }
 
     void expectAt(Block& block, double travel)
@@ -527,6 +555,98 @@ TEST_F(BlockElevatorTest, IsWorkedByAButtonOfItsGroup)
     ticks(longestWay);
     expectAt(linked, 1.0);
     expectAt(stranger, 0.0);
+}
+
+TEST_F(BlockElevatorTest, IsCalledBackByTheSecondSignalOfABlueButton)
+{
+    constexpr int blue = 60;  // of a second
+    LevelPicture picture = floorOf(11);
+    picture.set(5, 5, manual(5, 254)).set(3, 5, {270, blue, blockValue, 254});
+    loads(picture);
+    parksBall();
+    ticks(3);
+    Block& linked = *blockAt(5, 5);
+    putsBallOn(*blockAt(3, 5));
+    parksBall();
+    ticks(longestWay);
+    expectAt(linked, 1.0);
+    dynamic_cast<BlockButton&>(*blockAt(3, 5)).cooledDown();
+    ticks(longestWay);
+    expectAt(linked, 0.0);
+    EXPECT_LT(giveUnderPush(linked, 1.0), 0.03);
+}
+
+TEST_F(BlockElevatorTest, MayBeARamp)
+{
+    constexpr int ramps[] = {57, 69, 75, 84, 99};
+    LevelPicture picture = floorOf(13);
+    for (int i = 0; i < 5; ++i) {
+        Cell cell = manual(i % 2 ? 7 : 1);
+        cell.value = ramps[i];
+        picture.set(2 + 2 * i, 6, cell);
+    }
+    loads(picture);
+    parksBall();
+    ticks(3);
+    for (const bool out : {true, false}) {
+        for (int i = 0; i < 5; ++i)
+            blockAt(2 + 2 * i, 6)->onSignal(nullptr);
+        ticks(longestWay);
+        for (int i = 0; i < 5; ++i) {
+            SCOPED_TRACE(testing::Message() << "value " << ramps[i] << (out ? " out" : " home"));
+            Block& ramp = *blockAt(2 + 2 * i, 6);
+            const double travel = i % 2 ? 2.0 : -1.5;
+            EXPECT_FALSE(ramp.isFlat());
+            expectAt(ramp, out ? travel : 0.0);
+            EXPECT_LT(giveUnderPush(ramp, out ? -travel : travel), 0.03);
+        }
+    }
+}
+
+TEST_F(BlockElevatorTest, RidesItsJointByTheNumbersOfItsTravel)
+{
+    using namespace physx;
+    for (int step = 0; step < travelCount; ++step) {
+        SCOPED_TRACE(travels[step]);
+        Block& block = loadsOne(manual(step));
+        const float travel = float(travels[step]);
+        const PxD6Joint& slide = slideJoint();
+        for (const PxD6Axis::Enum axis :
+             {PxD6Axis::eX, PxD6Axis::eY, PxD6Axis::eTWIST, PxD6Axis::eSWING1, PxD6Axis::eSWING2})
+            EXPECT_EQ(slide.getMotion(axis), PxD6Motion::eLOCKED) << axis;
+        EXPECT_EQ(slide.getMotion(PxD6Axis::eZ), PxD6Motion::eLIMITED);
+        const PxJointLinearLimit limit = slide.getDistanceLimit();
+        EXPECT_FLOAT_EQ(limit.value, std::abs(travel) * 0.5f);
+        EXPECT_EQ(limit.contactDistance_deprecated, 0.0f);
+
+        EXPECT_EQ(slide.getLocalPose(PxJointActorIndex::eACTOR0), PxTransform(PxIdentity));
+        const PxTransform onBoard = slide.getLocalPose(PxJointActorIndex::eACTOR1);
+        EXPECT_LT((onBoard.p - PxVec3(block.x, block.y, 0.5f + travel * 0.5f)).magnitude(), 1e-4f)
+            << "halfway along";
+
+        for (int drive = 0; drive < PxD6Drive::eCOUNT; ++drive) {
+            const PxD6JointDrive numbers = slide.getDrive(PxD6Drive::Enum(drive));
+            const bool vertical = drive == PxD6Drive::eZ;
+            EXPECT_EQ(numbers.stiffness, vertical ? 20.0f : 0.0f) << drive;
+            EXPECT_EQ(numbers.damping, 0.0f) << drive;
+            if (vertical) {
+                EXPECT_EQ(numbers.forceLimit, 10.0f);
+                EXPECT_TRUE(numbers.flags.isSet(PxD6JointDriveFlag::eACCELERATION));
+            }
+        }
+        for (const float direction : {-1.0f, 1.0f, -1.0f}) {
+            SCOPED_TRACE(direction);
+            PxVec3 linear;
+            PxVec3 angular;
+            slide.getDriveVelocity(linear, angular);
+            EXPECT_EQ(linear, PxVec3(0.0f, 0.0f, 0.1f)) << "whatever the direction";
+            EXPECT_EQ(angular, PxVec3(0.0f));
+            EXPECT_EQ(slide.getDrivePosition().p, PxVec3(0.0f, 0.0f, -travel * direction));
+            EXPECT_EQ(slide.getDrivePosition().q, PxQuat(PxIdentity));
+            block.onSignal(nullptr);
+            ticks(longestWay);
+        }
+    }
 }
 
 TEST_F(BlockElevatorTest, StopsBeingCalledWhenItsLevelGoes)

@@ -5,9 +5,14 @@
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
+#include "shaders/ShaderProgram.h"
 #include "support/DifferingPixels.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"
+
+#include <QRegularExpression>
+#include <osg/Math>
+#include <osg/Quat>
 
 #include <algorithm>
 
@@ -319,6 +324,46 @@ TEST_F(BlockItemTest, IsNotDrawnWhileItIsTaken)
         level().restart(true);
         const QImage back = cutout(frame(false), place, 60);
         EXPECT_GT(differingPixels(taken, back), 100);
+    }
+}
+
+TEST_F(BlockItemTest, HasBoundsAroundItsCopiesWhereverItsShaderDrawsThem)
+{
+    // What is outside its bounds is culled with them, at the edges of the picture.
+    const QString text = readTextFile("data/Rollix/itemShader.vert");
+    const auto numberOf = [&text](const char* name) {
+        const QRegularExpression line(QString("const float %1 = ([0-9.]+);").arg(name));
+        const QRegularExpressionMatch match = line.match(text);
+        EXPECT_TRUE(match.hasMatch()) << name;
+        return match.captured(1).toFloat();
+    };
+    const float scale = numberOf("itemScale");
+    const float lift = numberOf("itemLift");
+    const float bob = numberOf("floatHeight");
+    for (const int saturation : {coinsOfFour, heartsOfTwo, weightOfOneSecond}) {
+        SCOPED_TRACE(saturation);
+        loadsItem(saturation);
+        for (const osg::Geode* geode : display()) {
+            osg::Vec3f place;
+            if (const osg::Uniform* own = displacement(geode))
+                own->get(place);
+            // The sign, the one part to the left, is drawn in a way of its own.
+            if (place.x() < 0.0f)
+                continue;
+            const osg::Drawable* part = geode->getDrawable(0);
+            const osg::BoundingBox model = part->computeBoundingBox();
+            for (int degrees = 0; degrees < 360; degrees += 15) {
+                const osg::Quat turn(osg::DegreesToRadians(double(degrees)),
+                                     osg::Vec3f(0.0f, 0.0f, 1.0f));
+                for (unsigned int i = 0; i < 8; ++i) {
+                    const osg::Vec3f drawn = (turn * osg::Vec3f(model.corner(i)) + place) * scale;
+                    for (const float offset : {lift - bob, lift + bob}) {
+                        const osg::Vec3f floated = drawn + osg::Vec3f(0.0f, 0.0f, offset);
+                        EXPECT_TRUE(part->getBoundingBox().contains(floated, 1e-4f)) << degrees;
+                    }
+                }
+            }
+        }
     }
 }
 

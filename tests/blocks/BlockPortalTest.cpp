@@ -1,7 +1,7 @@
 #include "blocks/BlockPortal.h"
 
 #include "BlockTest.h"
-#include "FrameGrab.h"
+#include "SparksOfBlock.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
@@ -103,12 +103,53 @@ protected:
                  osg::Vec3f(osg::Matrixd::transform3x3(into, boardPose()) * double(speed)));
     }
 
+    /// In the middle of a crossing, the ball at rest at this way from the mouth of the sender,
+    /// whose face is 0: the next tick is the first that looks at it there.
+    void waitsInMouth(const osg::Vec3d& way)
+    {
+        sender().onBallEnter(&ball());
+        sender().onBallEnter(&ball());
+        ASSERT_EQ(sender().getState(), BlockPortal::Sending);
+        ticks();  // takes the push in
+        const osg::Vec3d mouth(0.3, 0.0, 0.05);
+        hovers(mouth * sender().getTransform()->getMatrix() + way);
+        if (sender().getState() == BlockPortal::Idle)
+            ADD_FAILURE() << "the crossing was over before";
+    }
+
+    /// As above, from the way to the state that the sender is in a tick later.
+    BlockPortal::PortalState stateInMouth(const osg::Vec3d& way)
+    {
+        loadsPortals({portalCell(0), portalCell(1)});
+        hovers(positionOf(sender()) + osg::Vec3d(0.3, 0.0, 0.4));
+        sender().reset();
+        waitsInMouth(way);
+        ticks();
+        return sender().getState();
+    }
+
     /// Rolls in and ticks until the ball has been sent to the other side.
     bool crosses(const BlockPortal& from, const BlockPortal& to, int face, float speed)
     {
         rollsInto(from, face, speed);
         return ticksUntil([&] { return to.getState() == BlockPortal::Releasing; }, 150);
     }
+
+    /// Lets the first portal begin crossings until this one is drawn for one; false if it never is.
+    bool drawsReceiver(int wanted)
+    {
+        for (int i = 0; i < 200; ++i) {
+            sender().onBallEnter(&ball());
+            sender().onBallEnter(&ball());
+            if (portal(wanted).getState() == BlockPortal::Receiving)
+                return true;
+            board().reset(true);
+        }
+        return false;
+    }
+
+    /// Far from all portals, and at rest there.
+    void parksBall() { hovers(osg::Vec3d(0.0, 0.0, 20.0)); }
 
     /// Until the ball has touched the body inside the block.
     bool beginsCrossing(const BlockPortal& from, int face, float speed)
@@ -416,6 +457,105 @@ TEST_F(BlockPortalTest, ReceiverOfAnEscapedBallStaysOpenUntilTheRunStartsOver)
     EXPECT_TRUE(isSolid(receiver(), 1));
 }
 
+TEST_F(BlockPortalTest, BallEscapesBeyondFourFifthsOfAUnitFromTheMouth)
+{
+    // Up along the mouth's plane, and out of the mouth.
+    for (const osg::Vec3d& direction : {osg::Vec3d(0.0, 0.0, 1.0), osg::Vec3d(0.6, 0.0, 0.8)}) {
+        SCOPED_TRACE(direction.x());
+        EXPECT_EQ(stateInMouth(direction * 0.797), BlockPortal::Sending);
+        EXPECT_EQ(stateInMouth(direction * 0.803), BlockPortal::Idle);
+        EXPECT_EQ(receiver().getState(), BlockPortal::Receiving);
+        EXPECT_FALSE(isActiveOnBall());
+    }
+}
+
+TEST_F(BlockPortalTest, BallCrossesATenthOfAUnitBehindThePlaneOfTheMouth)
+{
+    EXPECT_EQ(stateInMouth(osg::Vec3d(-0.097, 0.0, 0.3)), BlockPortal::Sending);
+    EXPECT_EQ(receiver().getState(), BlockPortal::Receiving);
+    EXPECT_EQ(stateInMouth(osg::Vec3d(-0.103, 0.0, 0.3)), BlockPortal::Idle);
+    EXPECT_EQ(receiver().getState(), BlockPortal::Releasing);
+}
+
+TEST_F(BlockPortalTest, PlaneOfTheMouthDoesNotTurnWithTheBoard)
+{
+    for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right}) {
+        SCOPED_TRACE(key);
+        loadsPortals({portalCell(0), portalCell(1)});
+        presses(key);
+        ASSERT_TRUE(ticksUntil([&] { return tiltDegrees() > 22.0; }, 200));
+        releases(key);
+        game.setAngularVelocity(board().getId(), osg::Vec3f(), true);
+        hovers(positionOf(sender()) + osg::Vec3d(0.3, 0.0, 0.4));
+        sender().reset();
+
+        // High over the mouth, a point on this side of the one plane is on that side of the other.
+        const osg::Vec3d into(-1.0, 0.0, 0.0);
+        const osg::Vec3d turned = osg::Matrixd::transform3x3(into, boardPose());
+        const bool leansOut = turned.z() > 0.0;
+        const osg::Vec3d way(leansOut ? -0.05 : -0.16, 0.0, 0.5);
+        ASSERT_EQ(way * turned > 0.1, leansOut);
+        waitsInMouth(way);
+        ticks();
+        EXPECT_EQ(receiver().getState(),
+                  leansOut ? BlockPortal::Receiving : BlockPortal::Releasing);
+    }
+}
+
+TEST_F(BlockPortalTest, EnteringMeansNothingToAPortalThatReleasesTheBall)
+{
+    loadsPortals({portalCell(0), portalCell(1)});
+    ASSERT_TRUE(crosses(sender(), receiver(), 0, 2.0f));
+    receiver().onBallEnter(&ball());
+    receiver().onBallEnter(&ball());
+    EXPECT_EQ(receiver().getState(), BlockPortal::Releasing);
+    EXPECT_EQ(sender().getState(), BlockPortal::Idle);
+    ticks();
+    EXPECT_EQ(GameLoop::frameTaskCount(), 0u);
+    receiver().onBallLeave(&ball());
+    EXPECT_EQ(receiver().getState(), BlockPortal::Idle);
+}
+
+TEST_F(BlockPortalTest, NextCrossingIsShownAtItsOwnReceiver)
+{
+    const int faces[] = {0, 3, topFace};
+    loadsPortals({portalCell(faces[0]), portalCell(faces[1]), portalCell(faces[2])});
+    parksBall();
+    for (const int wanted : {1, 2, 1}) {
+        SCOPED_TRACE(wanted);
+        ASSERT_TRUE(drawsReceiver(wanted));
+        ticks();
+        const osg::Matrixf arrival = osg::Matrixf::translate(outward(faces[wanted])) *
+                                     osg::Matrixf(portal(wanted).getTransform()->getMatrix());
+        EXPECT_EQ(ballUniform("a_PortalReceiverMatrix"), arrival);
+        EXPECT_EQ(ballUniform("a_PortalSenderMatrix"),
+                  osg::Matrixf(sender().getTransform()->getMatrix()));
+        EXPECT_EQ(ballUniform("a_PortalRotationMatrix"),
+                  osg::Matrixf::rotate(osg::Vec3f(-outward(faces[0])),
+                                       osg::Vec3f(outward(faces[wanted]))));
+        // As after an arrival.
+        sender().reset();
+        portal(wanted).reset();
+    }
+}
+
+TEST_F(BlockPortalTest, FallWhileTheMouthPullsLeavesThePortalSolidAndIdle)
+{
+    loadsPortals({portalCell(topFace, strong), portalCell(1)});
+    hovers(positionOf(sender()) + osg::Vec3d(0.0, 0.0, 1.4));
+    ASSERT_EQ(sender().getState(), BlockPortal::Attracting);
+    level().changeLives(-1, true);
+    ticks(2);
+    EXPECT_EQ(sender().getState(), BlockPortal::Idle);
+    EXPECT_EQ(GameLoop::frameTaskCount(), 0u);
+    const osg::Vec3f velocity = ballVelocity();
+    ticks();
+    EXPECT_NEAR((ballVelocity() - velocity).z(), -world::gravity * world::secondsPerTick, 1e-3)
+        << "nothing pulls at the ball, which has its gravity";
+    EXPECT_NEAR(ballVelocity().x(), 0.0, 1e-3);
+    EXPECT_TRUE(isSolid(sender(), topFace));
+}
+
 TEST_F(BlockPortalTest, EachCrossingDrawsAmongTheOthersEvenly)
 {
     loadsPortals({portalCell(0), portalCell(1), portalCell(2), portalCell(3)});
@@ -554,6 +694,29 @@ TEST_F(BlockPortalTest, MouthIsABlueCylinderThatOpensOutward)
         EXPECT_FLOAT_EQ(mouths[0]->getHeight(), 0.5f);
         const osg::Vec3d axis = mouths[0]->getRotation() * osg::Vec3d(0.0, 0.0, 1.0);
         EXPECT_NEAR((axis - outward(face)).length(), 0.0, 1e-6);
+    }
+}
+
+TEST_F(BlockPortalTest, SparksComeFromAUnitBeforeTheMouthAndAreDrawnIn)
+{
+    // Of blocks of height 1: the mouth is 0.05 over the block's middle, the one on top 0.3.
+    const osg::Vec3d sources[] = {
+        {1.3, 0.0, 0.05}, {-1.3, 0.0, 0.05}, {0.0, 1.3, 0.05}, {0.0, -1.3, 0.05}, {0.0, 0.0, 1.3}};
+    const osg::Vec3f winds[] = {{-1, 0, 0}, {1, 0, 0}, {0, -1, 0}, {0, 1, 0}, {0, 0, -1}};
+    for (int face = 0; face < faceCount; ++face) {
+        SCOPED_TRACE(face);
+        loadsPortals({portalCell(face)});
+        const SparksOfBlock sparks(sender());
+        const osgParticle::Particle& spark = sparks.system->getDefaultParticleTemplate();
+        EXPECT_EQ(spark.getShape(), osgParticle::Particle().getShape()) << "as the library has it";
+        EXPECT_FLOAT_EQ(spark.getSizeRange().minimum, 0.01f);
+        EXPECT_FLOAT_EQ(spark.getSizeRange().maximum, 0.02f);
+        EXPECT_EQ(spark.getColorRange().minimum, osg::Vec4f(1.0f, 1.0f, 0.0f, 1.0f));
+        EXPECT_EQ(spark.getColorRange().maximum, osg::Vec4f(1.0f, 0.0f, 0.0f, 1.0f));
+        sparks.expectsCommonSettings();
+        sparks.expectsRate(50.0f, 100.0f);
+        sparks.expectsSource({sources[face], sources[face] + osg::Vec3d(0.01, 0.01, 0.01)});
+        sparks.expectsWind(winds[face]);
     }
 }
 

@@ -40,10 +40,9 @@ protected:
     std::vector<const Shape*> shapesOf(const Block& block) const
     {
         std::vector<const Shape*> shapes;
-        for (const osg::ShapeDrawable* drawable : drawablesOf<osg::ShapeDrawable>(block)) {
+        for (const osg::ShapeDrawable* drawable : drawablesOf<osg::ShapeDrawable>(block))
             if (const auto* shape = dynamic_cast<const Shape*>(drawable->getShape()))
                 shapes.push_back(shape);
-        }
         return shapes;
     }
 
@@ -53,10 +52,9 @@ protected:
     {
         std::vector<const Kind*> found;
         for (const osg::Geode* geode : geodesOf(block)) {
-            for (unsigned int i = 0; i < geode->getNumDrawables(); ++i) {
+            for (unsigned int i = 0; i < geode->getNumDrawables(); ++i)
                 if (const auto* drawable = dynamic_cast<const Kind*>(geode->getDrawable(i)))
                     found.push_back(drawable);
-            }
         }
         return found;
     }

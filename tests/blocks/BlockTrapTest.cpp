@@ -1,6 +1,7 @@
 #include "blocks/BlockTrap.h"
 
 #include "BlockTest.h"
+#include "SparksOfBlock.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
@@ -9,10 +10,7 @@
 #include "level/Level.h"
 #include "support/DifferingPixels.h"
 
-#include <osgParticle/ModularEmitter>
-#include <osgParticle/ModularProgram>
 #include <osgParticle/ParticleSystem>
-#include <osgParticle/ParticleSystemUpdater>
 
 #include <cmath>
 
@@ -460,28 +458,39 @@ TEST_F(BlockTrapTest, WellHasABlackDiscOfItsSize)
     }
 }
 
-TEST_F(BlockTrapTest, WellHasItsSparksBesideItsBodyInTheOrderInWhichTheyAreServed)
+TEST_F(BlockTrapTest, WellSpraysRedSparksFromItsFourCornersDownward)
 {
     loadsTrap(wellOfStep[0]);
-    const osg::MatrixTransform* parts = trap().getTransform();
-    ASSERT_EQ(parts->getNumChildren(), 6u);
-    const osg::Geode* body = parts->getChild(1)->asGeode();
-    ASSERT_TRUE(body);
-    const auto* system = dynamic_cast<const osgParticle::ParticleSystem*>(body->getDrawable(0));
-    ASSERT_TRUE(system);
-    EXPECT_TRUE(dynamic_cast<const osgParticle::ParticleSystemUpdater*>(parts->getChild(2)));
-    EXPECT_TRUE(dynamic_cast<const osgParticle::ModularProgram*>(parts->getChild(3)));
-    EXPECT_TRUE(dynamic_cast<const osgParticle::ModularEmitter*>(parts->getChild(4)));
-
-    const osgParticle::Particle& spark = system->getDefaultParticleTemplate();
+    const SparksOfBlock sparks(trap());
+    const osgParticle::Particle& spark = sparks.system->getDefaultParticleTemplate();
     EXPECT_EQ(spark.getShape(), osgParticle::Particle::HEXAGON);
-    EXPECT_DOUBLE_EQ(spark.getLifeTime(), 1.0);
-    EXPECT_FLOAT_EQ(spark.getMass(), 0.01f);
     EXPECT_FLOAT_EQ(spark.getSizeRange().minimum, 0.03f);
     EXPECT_FLOAT_EQ(spark.getSizeRange().maximum, 0.07f);
     EXPECT_EQ(spark.getColorRange().minimum, osg::Vec4f(0.0f, 0.0f, 0.0f, 1.0f));
     EXPECT_EQ(spark.getColorRange().maximum, osg::Vec4f(1.0f, 0.0f, 0.0f, 1.0f));
-    EXPECT_TRUE(body->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM));
+    sparks.expectsCommonSettings();
+    sparks.expectsRate(100.0f, 200.0f);
+    sparks.expectsSource({{-0.5, -0.5, 1.0}, {-0.5, 0.5, 1.0}, {0.5, 0.5, 1.0}, {0.5, -0.5, 1.0}});
+    sparks.expectsWind({0.0f, 0.0f, -1.0f});
+}
+
+TEST_F(BlockTrapTest, IsPaintedInRedOnEitherSideOfTheSeamOfTheCircle)
+{
+    const int hues[] = {350, 355, 359, 0, 5, 10, 349, 11};
+    LevelPicture picture(8, 1);
+    for (int column = 0; column < 8; ++column)
+        picture.set(column, 0, {hues[column], springOfStep[0], flatTwo});
+    loads(picture);
+    for (int column = 0; column < 8; ++column) {
+        SCOPED_TRACE(hues[column]);
+        const Block* block = blockAt(column, 0);
+        if (column >= 6) {
+            EXPECT_EQ(block, nullptr);
+            continue;
+        }
+        ASSERT_TRUE(dynamic_cast<const BlockTrap*>(block));
+        EXPECT_EQ(shapesOf<osg::Cylinder>(*block).size(), 1u) << "the plunger of its spring";
+    }
 }
 
 TEST_F(BlockTrapTest, WellSpraysSparksThatLeaveNothingBehindWithTheLevel)

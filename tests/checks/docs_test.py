@@ -48,6 +48,13 @@ class Documents(unittest.TestCase):
                     last = next(group for group in called.groups() if group)
                     self.assertRegex(code, rf"\b{last}\b")
 
+    def test_tell_what_a_picture_may_ask_for(self):
+        header = (ROOT / "src/level/PictureFile.h").read_text(encoding="utf-8")
+        guide = (ROOT / "docs/levels.md").read_text(encoding="utf-8")
+        for limit in ("mostCells", "mostBodies"):
+            number = re.search(rf"constexpr int {limit} = (\d+);", header).group(1)
+            self.assertIn(f" more than {number} ", guide)
+
     def test_no_kind_of_block_knows_another(self):
         for folder in ("level", "blocks"):
             for path in sorted((ROOT / "src" / folder).glob("Block*.*")):

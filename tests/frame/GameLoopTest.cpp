@@ -8,6 +8,7 @@
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QThread>
+#include <fmod.hpp>
 #include <gtest/gtest.h>
 #include <osg/FrameStamp>
 #include <osg/NodeCallback>
@@ -20,6 +21,12 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+// The linker sends the calls of FMOD::System::update here.
+extern "C" {
+FMOD_RESULT __real__ZN4FMOD6System6updateEv(FMOD::System* system);
+FMOD_RESULT __wrap__ZN4FMOD6System6updateEv(FMOD::System* system);
+}
 
 namespace {
 
@@ -63,6 +70,8 @@ public:
     float pathAtSync = 0.0f;
     std::vector<std::string> happened;
 };
+
+int soundUpdates = 0;
 
 class OnFrame : public osg::NodeCallback
 {
@@ -610,6 +619,18 @@ TEST_F(GameLoopTest, PassesOnWhatAnEmptyTaskThrows)
     EXPECT_EQ(GameLoop::frameTaskCount(), 0u);
 }
 
+TEST_F(GameLoopTest, UpdatesTheSoundOnceATickAlsoWhilePaused)
+{
+    attach();
+    soundUpdates = 0;
+    tick();
+    EXPECT_EQ(soundUpdates, 1);
+    GameLoop::pause();
+    for (int i = 0; i < 3; ++i)
+        tick();
+    EXPECT_EQ(soundUpdates, 4);
+}
+
 TEST_F(GameLoopTest, IsOne)
 {
     EXPECT_NE(GameLoop::instance(), nullptr);
@@ -617,3 +638,9 @@ TEST_F(GameLoopTest, IsOne)
 }
 
 }  // namespace
+
+FMOD_RESULT __wrap__ZN4FMOD6System6updateEv(FMOD::System* system)
+{
+    ++soundUpdates;
+    return __real__ZN4FMOD6System6updateEv(system);
+}

@@ -1,5 +1,6 @@
 #include "frame/OsgViewerWidget.h"
 
+#include "frame/GameLoop.h"
 #include "frame/KeyListener.h"
 #include "frame/MouseListener.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
@@ -13,9 +14,14 @@
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -269,6 +275,94 @@ TEST_F(OsgViewerWidgetTest, ReleasesTheHeldKeysOnceWhenItLosesTheFocus)
     EXPECT_EQ(keys.released, 0);
 }
 
+TEST_F(OsgViewerWidgetTest, LetsGoOfNothingButArrowsWhenItLosesTheFocus)
+{
+    Keys keys;
+    widget->addKeyListener(&keys);
+    widget->show();
+    QFocusEvent leaves(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    for (const Qt::Key key :
+         {Qt::Key_R, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Escape, Qt::Key_Return, Qt::Key_F11}) {
+        SCOPED_TRACE(key);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, scanCode, 0, 0);
+        sends(press);
+        sends(leaves);
+        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, scanCode, 0, 0);
+        EXPECT_FALSE(sends(release)) << "what was begun elsewhere in between ends here";
+        EXPECT_EQ(keys.released, 0);
+        EXPECT_FALSE(widget->isFullScreen());
+    }
+    for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}) {
+        SCOPED_TRACE(key);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, scanCode, 0, 0);
+        sends(press);
+        sends(leaves);
+        EXPECT_EQ(keys.released, key);
+    }
+}
+
+TEST_F(OsgViewerWidgetTest, PassesNoRepeatsOnOfAKeyWhosePressItHasNotSeen)
+{
+    listens();
+    const auto event = [](QEvent::Type type, bool repeated) {
+        return QKeyEvent(type, Qt::Key_Left, Qt::NoModifier, scanCode, 0, 0, QString(), repeated);
+    };
+    QKeyEvent repeat = event(QEvent::KeyPress, true);
+    EXPECT_FALSE(sends(repeat));
+    EXPECT_EQ(first.heard, Names{});
+    QKeyEvent press = event(QEvent::KeyPress, false);
+    sends(press);
+    sends(repeat);
+    EXPECT_EQ(first.heard, (Names{"key press", "key press"}));
+}
+
+TEST_F(OsgViewerWidgetTest, ForgetsListenersThatAreTakenAway)
+{
+    listens();
+    widget->addKeyListener(&first);
+    widget->removeKeyListener(&first);
+    widget->removeMouseListener(&second);
+    sendsKey(QEvent::KeyPress, Qt::Key_A);
+    sendsMouse(QEvent::MouseButtonPress);
+    EXPECT_EQ(first.heard, Names{"press"}) << "wherever it stood";
+    EXPECT_EQ(second.heard, Names{"key press"});
+    widget->removeKeyListener(&first);
+}
+
+TEST_F(OsgViewerWidgetTest, WaitsForTheWorldToChangeItsCameras)
+{
+    const osg::ref_ptr<osgViewer::View> view = addsView();
+    widget->resize(200, 100);
+    widget->show();
+    QCoreApplication::processEvents();
+    const osg::GraphicsContext::Traits* traits = widget->getGraphicsWindow()->getTraits();
+    const auto changesMeanwhile = [&](const std::function<void()>& change) {
+        const auto now = [traits] {
+            return std::make_pair(traits->width, traits->x);
+        };
+        const auto before = now();
+        auto meanwhile = before;
+        std::atomic<bool> locked{false};
+        std::thread other([&] {
+            const GameLoop::Lock worldLock;
+            locked = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            meanwhile = now();
+        });
+        while (!locked)
+            std::this_thread::yield();
+        change();
+        other.join();
+        EXPECT_NE(now(), before);
+        return meanwhile != before;
+    };
+    EXPECT_FALSE(changesMeanwhile([&] { widget->resize(320, 120); }));
+    EXPECT_FALSE(changesMeanwhile([&] {
+        QMoveEvent move(QPoint(70, 60), QPoint(0, 0));
+        sends(move);
+    }));
+}
+
 TEST_F(OsgViewerWidgetTest, FillsTheScreenByAnF11ThatIsReleasedUnderAnotherName)
 {
     Keys keys;
@@ -340,9 +434,8 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
 {
     const double ratio = widget->devicePixelRatioF();
     RecordProperty("ratio", std::to_string(ratio));
-    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) {
+    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
         ASSERT_EQ(ratio, qEnvironmentVariable("QT_SCALE_FACTOR").toDouble());
-    }
     const osg::ref_ptr<osgViewer::View> view = addsView();
     widget->show();
     queued();
@@ -350,10 +443,9 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
     const int width = int(std::lround(320 * ratio));
     const int height = int(std::lround(120 * ratio));
     bool told = false;
-    for (const auto& event : queued()) {
+    for (const auto& event : queued())
         if (event->getEventType() == osgGA::GUIEventAdapter::RESIZE)
             told = event->getWindowWidth() == width && event->getWindowHeight() == height;
-    }
     EXPECT_TRUE(told);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->width, width);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->height, height);

@@ -18,16 +18,15 @@ constexpr double longestParsing = 0.05;  // s
 
 void require(bool condition)
 {
-    if (!condition) {
+    if (!condition)
         std::abort();
-    }
 }
 
 double processorSeconds()
 {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
 bool isUnit(const Leap::Vector& vector)
@@ -72,9 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             const Leap::Message message = Leap::parseMessage(line);
             require(processorSeconds() - begin <= longestParsing);
             requireSane(message.frame);
-            if (conversation.receive(line) == Leap::Conversation::Verdict::Hopeless) {
+            if (conversation.receive(line) == Leap::Conversation::Verdict::Hopeless)
                 break;
-            }
         }
     }
     return 0;

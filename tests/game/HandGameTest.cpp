@@ -9,16 +9,20 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "platform/leap/ServiceAddress.h"
+#include "support/GameInside.h"
+#include "support/SceneSearch.h"
 
-#include <osg/NodeVisitor>
-#include <osgText/Text>
+#include <QFile>
 
 #include <chrono>
 #include <cmath>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
-constexpr std::chrono::seconds generousLimit(20);
+constexpr int generousMilliseconds = 20000;
+constexpr std::chrono::milliseconds generousLimit(generousMilliseconds);
 constexpr int framesPerSecond = 200;  // of the fastest sensors
 constexpr std::int64_t microsecondsPerFrame = 5000;
 constexpr float cameraAngle = 3.1415927f;
@@ -70,29 +74,14 @@ std::int64_t& lastFrameId()
     return id;
 }
 
-class TextCollector : public osg::NodeVisitor
+bool isAsleep(int thread)
 {
-public:
-    TextCollector() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
-
-    using osg::NodeVisitor::apply;
-    void apply(osg::Drawable& drawable) override
-    {
-        if (const auto* text = dynamic_cast<osgText::Text*>(&drawable))
-            lines.push_back(
-                {text->getText().createUTF8EncodedString(), text->getCharacterHeight()});
-    }
-
-    std::vector<HandGameTest::Line> lines;
-};
-
-/// The way to what a game keeps to itself.
-struct GameInsides : GravlinApplication
-{
-    using GravlinApplication::actorTransforms;
-    using PhysxScene::actors;
-    using PhysxScene::tasks;
-};
+    QFile file(QString("/proc/self/task/%1/stat").arg(thread));
+    file.open(QIODevice::ReadOnly);
+    const QByteArray text = file.readAll();
+    // The state stands behind the name, which is in brackets.
+    return text.mid(text.lastIndexOf(')')).startsWith(") S");
+}
 
 }  // namespace
 
@@ -108,8 +97,14 @@ void FrameWitness::onConnect(const Leap::Controller& controller)
 void FrameWitness::onFrame(const Leap::Controller& controller)
 {
     const GameState before = game.state;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        begun = controller.frame(0).id();
+        servingThread = int(syscall(SYS_gettid));
+    }
     game.onFrame(controller);
     const std::lock_guard<std::mutex> lock(mutex);
+    begun = -1;
     frames.push_back({controller.frame(0).id(), before, game.state, std::this_thread::get_id()});
     changed.notify_all();
 }
@@ -119,6 +114,16 @@ bool FrameWitness::waitsForFrame(std::int64_t id)
     std::unique_lock<std::mutex> lock(mutex);
     return changed.wait_for(lock, generousLimit,
                             [&] { return !frames.empty() && frames.back().id == id; });
+}
+
+bool FrameWitness::waitsUntilStuckAt(std::int64_t id)
+{
+    return holdsWithin(
+        generousMilliseconds,
+        [&] {
+            const std::lock_guard<std::mutex> lock(mutex);
+            return begun == id && isAsleep(servingThread);
+        });
 }
 
 bool FrameWitness::waitsForFrames(std::size_t count)
@@ -208,6 +213,21 @@ void HandGameTest::sees(const std::vector<PlayedHand>& hands,
     EXPECT_TRUE(witness.waitsForFrame(frame.id));
 }
 
+void HandGameTest::seesTooLate(const std::vector<PlayedHand>& hands,
+                               const std::function<void()>& happens,
+                               const std::vector<PlayedGesture>& gestures)
+{
+    PlayedFrame frame = nextFrame(hands);
+    frame.gestures = gestures;
+    {
+        const GameLoop::Lock worldLock;
+        service.sendsText(frameMessage(frame));
+        EXPECT_TRUE(witness.waitsUntilStuckAt(frame.id));
+        happens();
+    }
+    EXPECT_TRUE(witness.waitsForFrame(frame.id));
+}
+
 void HandGameTest::startsPlay()
 {
     sees({flatHand()});
@@ -216,7 +236,7 @@ void HandGameTest::startsPlay()
 
 osg::Vec3d HandGameTest::commandedTurn()
 {
-    auto& tasks = game.*&GameInsides::tasks;
+    auto& tasks = GameInside::tasksOf(game);
     for (const auto& task : tasks)
         task();
     tasks.clear();
@@ -225,38 +245,25 @@ osg::Vec3d HandGameTest::commandedTurn()
 
 osg::Vec3d HandGameTest::boardTurn() const
 {
-    const physx::PxRigidActor* actor = (game.*&GameInsides::actors).at(board().getId());
-    const physx::PxVec3 turn = actor->is<physx::PxRigidDynamic>()->getAngularVelocity();
+    const physx::PxVec3 turn = GameInside::bodyOf(game, board().getId()).getAngularVelocity();
     return {turn.x, turn.y, turn.z};
 }
 
 osg::MatrixTransform& HandGameTest::guide() const
 {
-    return *(game.*&GameInsides::actorTransforms).at(board().guideId);
-}
-
-std::vector<HandGameTest::Line> HandGameTest::lines() const
-{
-    TextCollector collector;
-    game.getSceneData()->accept(collector);
-    return collector.lines;
+    return *GameInside::transformsOf(game).at(board().guideId);
 }
 
 bool HandGameTest::reads(const std::string& text) const
 {
-    for (const Line& line : lines()) {
-        if (line.text == text)
-            return true;
-    }
-    return false;
+    return textReading(text, game.getSceneData()) != nullptr;
 }
 
 std::string HandGameTest::selectedLine() const
 {
-    for (const Line& line : lines()) {
-        if (line.height == titleHeight && line.text != menuTitle)
-            return line.text;
-    }
+    for (const std::string& line : textsBelow(game.getSceneData(), titleHeight))
+        if (line != menuTitle)
+            return line;
     return std::string();
 }
 
@@ -302,8 +309,8 @@ std::vector<PlayedHand> twoHands()
 PlayedHand handFor(const osg::Vec3d& up)
 {
     PlayedHand hand;
-    hand.roll = static_cast<float>(-std::asin(up.x()));
-    hand.pitch = static_cast<float>(-std::asin(up.y() / std::cos(double(hand.roll))));
+    hand.roll = float(-std::asin(up.x()));
+    hand.pitch = float(-std::asin(up.y() / std::cos(double(hand.roll))));
     return hand;
 }
 

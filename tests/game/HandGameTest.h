@@ -9,6 +9,7 @@
 #include <osg/MatrixTransform>
 
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -35,6 +36,8 @@ public:
 
     /// False if it is not served within a generous limit.
     bool waitsForFrame(std::int64_t id);
+    /// The game has begun with the frame, and its thread does not go on.
+    bool waitsUntilStuckAt(std::int64_t id);
     bool waitsForFrames(std::size_t count);
     bool waitsForConnections(int count);
 
@@ -52,6 +55,8 @@ private:
     mutable std::mutex mutex;
     std::condition_variable changed;
     std::vector<Served> frames;
+    std::int64_t begun = -1;
+    int servingThread = 0;
     int connects = 0;
     std::unique_ptr<Leap::Controller> connection;
 };
@@ -78,6 +83,10 @@ public:
     /// One frame; returns when the game has served it.
     void sees(const std::vector<PlayedHand>& hands,
               const std::vector<PlayedGesture>& gestures = {});
+    /// One frame that has to wait for the world, which goes on without it: `happens` is what a tick
+    /// or a key does meanwhile. Returns when the game has served the frame.
+    void seesTooLate(const std::vector<PlayedHand>& hands, const std::function<void()>& happens,
+                     const std::vector<PlayedGesture>& gestures = {});
     /// A message of the next number, not sent yet.
     PlayedFrame nextFrame(const std::vector<PlayedHand>& hands);
     /// A flat hand over a level board: play begins.
@@ -91,13 +100,7 @@ public:
 
     osg::MatrixTransform& guide() const;
 
-    struct Line
-    {
-        std::string text;
-        float height;  // pixels
-    };
-    /// All text that is in the scene.
-    std::vector<Line> lines() const;
+    /// Whether the line is in the scene.
     bool reads(const std::string& text) const;
     /// The menu's large line; empty when no menu is shown.
     std::string selectedLine() const;

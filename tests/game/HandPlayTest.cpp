@@ -1,4 +1,5 @@
 #include "HandGameTest.h"
+#include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hand/HandCamera.h"
 #include "hud/MenuHUD.h"
@@ -6,9 +7,13 @@
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "support/SceneSearch.h"
 
 #include <QImage>
+#include <osg/Geode>
 #include <osg/Math>
+#include <osg/NodeVisitor>
+#include <osgText/Text>
 
 #include <cmath>
 
@@ -29,10 +34,9 @@ void expectNear(const osg::Vec3d& measured, const osg::Vec3d& expected, double t
 int greenerPixels(const QImage& image, const QImage& than)
 {
     int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             count += qGreen(image.pixel(x, y)) > qGreen(than.pixel(x, y)) + 20;
-    }
     return count;
 }
 
@@ -40,6 +44,20 @@ int greenerPixels(const QImage& image, const QImage& than)
 
 class HandPlayTest : public HandGameTest
 {
+public:
+    /// Whether a frame drawn now would show the guide plate.
+    bool isGuideUp()
+    {
+        struct Counter : osg::NodeVisitor
+        {
+            Counter() : osg::NodeVisitor(TRAVERSE_ACTIVE_CHILDREN) {}
+            void apply(osg::Geode&) override { ++geodes; }
+            int geodes = 0;
+        } counter;
+        if (counter.validNodeMask(guide()))
+            guide().getCullCallback()->run(&guide(), &counter);
+        return counter.geodes > 0;
+    }
 };
 
 TEST_F(HandPlayTest, BeginsWithTheFirstFrameOfAFlatHandOverALevelBoard)
@@ -119,6 +137,73 @@ TEST_F(HandPlayTest, DrawsTheGuidePlateFromTheFirstHandOnUntilPlayBegins)
     sees({flatHand()});
     ASSERT_EQ(game.state, GameState::Playing);
     EXPECT_EQ(greenerPixels(frame(false), unseen), 0);
+}
+
+TEST_F(HandPlayTest, ShowsTheGuidePlateWhileItWaitsAndAHandIsSeenAndNoLonger)
+{
+    EXPECT_FALSE(isGuideUp());
+    sees({rolledHand(0.3f)});
+    EXPECT_TRUE(isGuideUp());
+    sees({});
+    EXPECT_FALSE(isGuideUp()) << "the hand has gone";
+    sees({rolledHand(0.3f)});
+    EXPECT_TRUE(isGuideUp()) << "and is back";
+    sees({flatHand()});
+    ASSERT_EQ(game.state, GameState::Playing);
+    sees({});
+    level().changeLives(-1, true);
+    ASSERT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_FALSE(isGuideUp()) << "nobody has seen a hand since the fall";
+    sees({rolledHand(0.3f)});
+    sees(twoHands());
+    EXPECT_FALSE(isGuideUp());
+    sees({});
+    ASSERT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_FALSE(isGuideUp()) << "both hands went at once";
+    sees({rolledHand(0.3f)});
+    loads({"S.."});
+    EXPECT_FALSE(isGuideUp()) << "a new level has a plate of its own";
+}
+
+TEST_F(HandPlayTest, TakesTheGuidePlateAwayWhenTheHandGoesBehindAMenu)
+{
+    sees({rolledHand(0.3f)});
+    releases(Qt::Key_Escape);
+    EXPECT_FALSE(isGuideUp());
+    sees({});
+    releases(Qt::Key_Escape);
+    ASSERT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_FALSE(isGuideUp());
+}
+
+TEST_F(HandPlayTest, TakesTheGuidePlateAwayWhenTheServiceGoes)
+{
+    sees({rolledHand(0.3f)});
+    ASSERT_TRUE(isGuideUp());
+    service.stops();
+    EXPECT_TRUE(holdsWithin(20000, [this] {
+        const GameLoop::Lock worldLock;
+        return !isGuideUp();
+    }));
+    EXPECT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_TRUE(service.comesBack());
+}
+
+TEST_F(HandPlayTest, LeavesTheMessageOfALevelBeforeToTheSensorWhenThereIsOne)
+{
+    level().complete();
+    loads({"S.."});
+    sees({rolledHand(0.5f)});
+    holds(Qt::Key_Left, 1);
+    EXPECT_TRUE(reads("Well Done!"));
+}
+
+TEST_F(HandPlayTest, AsksForTheRestPoseInGreen)
+{
+    sees({});
+    const osgText::Text* text = textReading(prompt, game.getSceneData());
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->getColor(), osg::Vec4(0.0f, 0.9f, 0.0f, 1.0f));
 }
 
 TEST_F(HandPlayTest, AsksForTheRestPoseOnlyWhenAFrameComes)

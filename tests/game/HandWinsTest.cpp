@@ -26,11 +26,12 @@ public:
 
     bool finishes()
     {
-        TiltPlayer player(*this, picture);
+        TiltPlayer player(game, picture);
         for (int tick = 0; tick < longestRun; ++tick) {
             if (game.state == GameState::LevelCompleted || game.state == GameState::LevelFailed)
                 break;
-            sees({game.state == GameState::WaitingForRest ? player.restingHand() : player.hand()});
+            const PlayedHand hand = player.hand();
+            sees({game.state == GameState::WaitingForRest ? player.restingHand() : hand});
             ticks();
         }
         return game.state == GameState::LevelCompleted;

@@ -186,7 +186,7 @@ public:
     Run plays(const QImage& picture, Act act)
     {
         loadsPicture(picture);
-        TiltPlayer player(*this, picture);
+        TiltPlayer player(game, picture);
         Run run;
         while (run.ticks < longestRun && game.state != GameState::LevelCompleted &&
                game.state != GameState::LevelFailed) {
@@ -204,7 +204,8 @@ public:
     Run playsByHand(const QImage& picture)
     {
         return plays(picture, [this](TiltPlayer& player) {
-            server.player().hands = {isPlaying() ? player.hand() : player.restingHand()};
+            const PlayedHand wanted = player.hand();
+            server.player().hands = {isPlaying() ? wanted : player.restingHand()};
         });
     }
 

@@ -193,10 +193,9 @@ TEST_F(PlayTest, CarriesTheBallThroughTurnsOfTheBoard)
             .set(10, i, cells::tower);
     picture.set(5, 5, cells::start);
     loads(picture);
-    for (int round = 0; round < 2; ++round) {
+    for (int round = 0; round < 2; ++round)
         for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Right, Qt::Key_Down, Qt::Key_Left})
             holds(key, 50);
-    }
     EXPECT_EQ(level().livesLeft(), 5);
     const osg::Vec3d place = ballPosition() * osg::Matrixd::inverse(boardPose());
     EXPECT_NEAR(place.z(), restHeight, 0.1);

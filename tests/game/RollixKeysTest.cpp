@@ -52,6 +52,25 @@ protected:
         releases(key);
     }
 
+    /// As a keyboard sends it, with a scan code.
+    void sendsTrueKey(QEvent::Type type, Qt::Key key, bool repeated)
+    {
+        const auto scanCode = quint32(key);
+        QKeyEvent event(type, key, Qt::NoModifier, scanCode, 0, 0, QString(), repeated);
+        QCoreApplication::sendEvent(&widget, &event);
+    }
+    void pressesTrueKey(Qt::Key key, bool repeated = false)
+    {
+        sendsTrueKey(QEvent::KeyPress, key, repeated);
+    }
+    void releasesTrueKey(Qt::Key key) { sendsTrueKey(QEvent::KeyRelease, key, false); }
+
+    void losesFocus()
+    {
+        QFocusEvent event(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+        QCoreApplication::sendEvent(&widget, &event);
+    }
+
     /// Radians a second, in the world.
     osg::Vec3d boardTurn()
     {
@@ -112,6 +131,25 @@ TEST_F(RollixKeysTest, TurnTheBoardFasterByATenthOfARadianASecondInEveryTick)
     }
 }
 
+TEST_F(RollixKeysTest, CountForOneTickAtLeastHoweverShortTheTap)
+{
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right}) {
+        SCOPED_TRACE(key);
+        types(key);
+        EXPECT_NEAR(turnOfATick().length(), 0.1 * (1.0 - 1.0 / 30.0), 0.002);
+        EXPECT_LT(turnOfATick().length(), 0.005) << "and for no more";
+    }
+}
+
+TEST_F(RollixKeysTest, CountForTheTicksOfTheirHoldAlone)
+{
+    presses(Qt::Key_Up);
+    EXPECT_GT(turnOfATick().length(), 0.09);
+    accepts(QEvent::KeyPress, Qt::Key_Up, true);
+    releases(Qt::Key_Up);
+    EXPECT_LT(turnOfATick().length(), 0.005) << "though it has repeated since the tick";
+}
+
 TEST_F(RollixKeysTest, AddUp)
 {
     presses(Qt::Key_Up);
@@ -133,12 +171,10 @@ TEST_F(RollixKeysTest, BringTheBoardToThirtyDegreesInHalfASecondAndNoFurther)
         ASSERT_LE(boardTurn().length(), 1.0 + 1e-3) << "at most a radian a second";
         // The cone acts from its edge on: one step's turn may lie beyond it.
         ASSERT_LE(tiltDegrees(), 32.0);
-        if (tick == halfASecond / 2) {
+        if (tick == halfASecond / 2)
             EXPECT_LT(tiltDegrees(), 15.0);
-        }
-        if (tick >= halfASecond) {
+        if (tick >= halfASecond)
             ASSERT_NEAR(tiltDegrees(), 30.0, 0.3) << tick;
-        }
     }
 }
 
@@ -285,6 +321,112 @@ TEST_F(RollixKeysTest, StaySetWhenAMenuComesBetweenPressAndRelease)
     types(Qt::Key_Escape);
     EXPECT_GT(turnOfATick().length(), 0.09);
     types(Qt::Key_Right);
+}
+
+TEST_F(RollixKeysTest, AreLetGoOfWhenTheFocusGoesAndStayThatWay)
+{
+    pressesTrueKey(Qt::Key_Up);
+    EXPECT_GT(turnOfATick().length(), 0.09);
+    losesFocus();
+    EXPECT_LT(turnOfATick().length(), 0.005);
+    // The focus comes back while the key is down, and goes before it is up.
+    pressesTrueKey(Qt::Key_Up, true);
+    losesFocus();
+    EXPECT_LT(turnOfATick().length(), 0.005) << "stuck";
+    pressesTrueKey(Qt::Key_Up);
+    EXPECT_GT(turnOfATick().length(), 0.09) << "pressed anew";
+    releasesTrueKey(Qt::Key_Up);
+    EXPECT_LT(turnOfATick().length(), 0.005);
+}
+
+TEST_F(RollixKeysTest, DoNothingElseWhenTheFocusGoes)
+{
+    OutputCapture output;
+    for (const Qt::Key key : {Qt::Key_R, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Escape}) {
+        SCOPED_TRACE(key);
+        pressesTrueKey(key);
+        losesFocus();
+        releasesTrueKey(key);
+        EXPECT_FALSE(game.pauseMenu->isVisible());
+    }
+    EXPECT_EQ(output.text(), "");
+    pressesTrueKey(Qt::Key_R);
+    releasesTrueKey(Qt::Key_R);
+    EXPECT_EQ(output.text(), "reading level data/Rollix/level0.png\n") << "pressed anew";
+}
+
+TEST_F(RollixKeysTest, BringTheEndMenuUpByReturnWhenALevelHasEnded)
+{
+    for (const GameState ended : {GameState::LevelCompleted, GameState::LevelFailed}) {
+        SCOPED_TRACE(int(ended));
+        if (ended == GameState::LevelCompleted)
+            game.levelCompleted();
+        else
+            game.levelFailed();
+        EXPECT_TRUE(acceptsRelease(Qt::Key_Return));
+        EXPECT_TRUE(game.endMenu->isVisible());
+        EXPECT_TRUE(GameLoop::isPaused());
+        EXPECT_EQ(game.state, ended);
+        types(Qt::Key_Escape);
+        EXPECT_FALSE(game.endMenu->isVisible());
+        EXPECT_EQ(game.state, ended);
+        types(Qt::Key_Return);
+        EXPECT_TRUE(game.endMenu->isVisible()) << "as often as one likes";
+        types(Qt::Key_Escape);
+    }
+}
+
+TEST_F(RollixKeysTest, LeadFromAFinishedLevelToTheNextWithoutASensor)
+{
+    writes({"S"}, 1);
+    game.levelCompleted();
+    types(Qt::Key_Return);
+    ASSERT_TRUE(picks("Next Level"));
+    ticks();
+    EXPECT_EQ(level().number, 1u);
+    EXPECT_EQ(game.state, GameState::WaitingForRest);
+    EXPECT_TRUE(game.messageText->isVisible());
+    presses(Qt::Key_Left);
+    EXPECT_FALSE(game.messageText->isVisible());
+    releases(Qt::Key_Left);
+    EXPECT_FALSE(acceptsRelease(Qt::Key_Return)) << "nothing has ended here";
+    EXPECT_FALSE(game.endMenu->isVisible());
+}
+
+TEST_F(RollixKeysTest, BringNoMenuUpByReturnOutsideOfAnEnd)
+{
+    for (const GameState state :
+         {GameState::CameraControl, GameState::WaitingForRest, GameState::Playing}) {
+        game.state = state;
+        EXPECT_FALSE(acceptsRelease(Qt::Key_Return));
+        EXPECT_FALSE(game.endMenu->isVisible());
+    }
+    game.levelCompleted();
+    types(Qt::Key_Escape);
+    ASSERT_TRUE(picks("Continue"));
+    EXPECT_FALSE(game.endMenu->isVisible()) << "the pause menu has had it";
+}
+
+TEST_F(RollixKeysTest, TakeAMessageAwayOnlyInALevelThatIsNotItsOwn)
+{
+    game.levelFailed();
+    types(Qt::Key_Up);
+    EXPECT_TRUE(game.messageText->isVisible());
+    types(Qt::Key_R);
+    EXPECT_TRUE(game.messageText->isVisible());
+    types(Qt::Key_A);
+    EXPECT_TRUE(game.messageText->isVisible()) << "it is the arrows that play";
+    accepts(QEvent::KeyPress, Qt::Key_Up, true);
+    EXPECT_TRUE(game.messageText->isVisible()) << "held since before";
+    types(Qt::Key_Escape);
+    types(Qt::Key_Down);
+    types(Qt::Key_Escape);
+    EXPECT_TRUE(game.messageText->isVisible()) << "that was the menu's";
+    types(Qt::Key_Down);
+    EXPECT_FALSE(game.messageText->isVisible());
+    game.levelCompleted();
+    types(Qt::Key_Down);
+    EXPECT_TRUE(game.messageText->isVisible()) << "a new one";
 }
 
 TEST_F(RollixKeysTest, LeaveTheEndMenuToTheNextSensorFrameWhenEscapeHidesIt)

@@ -4,17 +4,44 @@
 #include "hand/LeapManager.h"
 #include "level/Level.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <gtest/gtest.h>
 #include <osg/observer_ptr>
 
+#include <cstddef>
+#include <cstring>
 #include <memory>
 
 namespace {
 
-TEST(RollixLife, BeginsWaitingForTheHandAndEndsWithoutATrace)
+/// Whoever still calls this game when it is gone finds nothing, where else it would find what by
+/// chance is left of it.
+class WipedGame : public Rollix
+{
+public:
+    using Rollix::Rollix;
+
+    static void operator delete(void* memory, std::size_t size)
+    {
+        std::memset(memory, 0, size);
+        kept = memory;
+    }
+
+protected:
+    ~WipedGame() override
+    {
+        EXPECT_EQ(getViewerBase(), nullptr) << "it leaves a window that is half gone";
+    }
+
+private:
+    static inline void* kept = nullptr;
+};
+
+TEST(RollixLife, BeginsWaitingForTheHandAndLeavesSensorAndWindowWithoutATrace)
 {
     auto widget = std::make_unique<OsgViewerWidget>();
-    auto* game = new Rollix(widget.get());
+    auto* game = new WipedGame(widget.get());
     widget->addView(game);
     EXPECT_EQ(game->state, GameState::WaitingForRest);
     EXPECT_EQ(game->level->number, 0u);
@@ -29,11 +56,28 @@ TEST(RollixLife, BeginsWaitingForTheHandAndEndsWithoutATrace)
     const osg::observer_ptr<Level> level(game->level.get());
     const osg::observer_ptr<osg::Node> scene(game->getSceneData());
     GameLoop::attach(nullptr);
-    LeapManager::removeListener();
     widget->removeView(game);
     EXPECT_FALSE(itself.valid());
     EXPECT_FALSE(level.valid());
     EXPECT_FALSE(scene.valid());
+
+    // Nobody is there any more to hear of it.
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+    QCoreApplication::sendEvent(widget.get(), &press);
+    EXPECT_FALSE(press.isAccepted());
+    Leap::Listener next;
+    LeapManager::setListener(&next);
+    LeapManager::removeListener();
+}
+
+TEST(RollixLife, EndsWithItsWindow)
+{
+    auto widget = std::make_unique<OsgViewerWidget>();
+    auto* game = new WipedGame(widget.get());
+    widget->addView(game);
+    const osg::observer_ptr<osg::View> itself(game);
+    widget.reset();
+    EXPECT_FALSE(itself.valid());
 }
 
 }  // namespace

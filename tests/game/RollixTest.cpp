@@ -16,7 +16,10 @@
 #include "support/ProbeBlock.h"
 #include "support/SceneSearch.h"
 
+#include <osgText/Text>
+
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -219,6 +222,67 @@ TEST_F(RollixTest, TellsGoodNewsInGreenAndBadNewsInRed)
     EXPECT_TRUE(isShown("Not even close..."));
     game.loadLevel(0);
     EXPECT_TRUE(isShown("Not even close...")) << "while the next level waits for the hand";
+}
+
+TEST_F(RollixTest, WritesItsMessageBelowTheMiddleInItsColour)
+{
+    const osg::Vec4f green(0.0f, 0.9f, 0.0f, 1.0f);
+    const osg::Vec4f red(0.9f, 0.0f, 0.0f, 1.0f);
+    const auto expectWritten = [&](const std::string& words, const osg::Vec4f& color) {
+        const osgText::Text* text = textReading(words, game.getSceneData());
+        ASSERT_NE(text, nullptr);
+        EXPECT_EQ(text->getColor(), color);
+        EXPECT_EQ(text->getAlignment(), osgText::TextBase::CENTER_BOTTOM);
+        const osg::Viewport* window = game.getCamera()->getViewport();
+        EXPECT_EQ(text->getPosition(), osg::Vec3(std::floor(window->width() * 0.5),
+                                                 std::floor(window->height() * 0.05f), 0.0));
+    };
+    game.levelCompleted();
+    expectWritten("Well Done!", green);
+    game.messageText->hide();
+    game.levelFailed();
+    expectWritten("Not even close...", red);
+}
+
+TEST_F(RollixTest, EndsALevelUnderAPauseMenuAsInPlay)
+{
+    opensPauseMenu();
+    // The fuse of a mine burns on behind the menu.
+    level().changeLives(-5, false);
+    EXPECT_EQ(game.state, GameState::LevelFailed);
+    EXPECT_FALSE(game.pauseMenu->isVisible());
+    EXPECT_FALSE(game.endMenu->isVisible());
+    EXPECT_FALSE(GameLoop::isPaused());
+    EXPECT_TRUE(isShown("Not even close..."));
+    EXPECT_FALSE(isShown("Menu"));
+}
+
+TEST_F(RollixTest, LeavesThePauseMenuUpWhenALifeIsLostBehindItAndOthersAreLeft)
+{
+    opensPauseMenu();
+    level().changeLives(-4, false);
+    EXPECT_EQ(game.state, GameState::PauseMenu);
+    EXPECT_TRUE(game.pauseMenu->isVisible());
+    EXPECT_TRUE(GameLoop::isPaused());
+}
+
+TEST_F(RollixTest, KeepsTheCameraWhereItIsThroughALevelChange)
+{
+    const auto view = [this] {
+        ticks();
+        return game.getCamera()->getViewMatrix();
+    };
+    const osg::Matrixd before = view();
+    game.handCamera->setAngle(1.0f);
+    game.handCamera->setHeight(20.0f);
+    const osg::Matrixd turned = view();
+    EXPECT_NE(turned, before);
+    loads({"S....G"});
+    EXPECT_EQ(game.handCamera->angle(), 1.0f);
+    EXPECT_EQ(view(), turned);
+    game.handCamera->setAngle(3.1415927f);
+    game.handCamera->setHeight(30.0f);
+    EXPECT_EQ(view(), before);
 }
 
 TEST_F(RollixTest, LeavesTheMenuToTheNextSensorFrameWhenALevelEnds)

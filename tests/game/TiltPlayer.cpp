@@ -3,12 +3,13 @@
 #include "HandGameTest.h"
 #include "base/WorldNumbers.h"
 
+#include <QImage>
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double approach = 1.0;    // wanted speed per unit of distance, 1/s
 constexpr double topSpeed = 2.0;    // units/s
 constexpr double obedience = 1.2;   // wanted acceleration per unit of missing speed, 1/s
 constexpr double gentleTilt = 0.2;  // sine of the board's angle
@@ -22,47 +23,46 @@ double within(double value, double limit)
     return std::clamp(value, -limit, limit);
 }
 
-bool isCheckpoint(const LevelPixel& pixel, int least, int most)
+Temper gentle()
 {
-    return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && pixel.saturation >= least &&
-           pixel.saturation <= most;
+    Temper temper;
+    temper.speed = topSpeed;
+    return temper;
+}
+
+osg::Vec2d tiltFor(const Intent& intent, const PlayerView& view)
+{
+    const osg::Vec3d wanted = osg::Matrixd::transform3x3(
+        osg::Vec3d(intent.velocity.x(), intent.velocity.y(), 0.0), view.board);
+    return {
+        within((wanted.x() - view.velocity.x()) * obedience / world::rollingGravity, gentleTilt),
+        within((wanted.y() - view.velocity.y()) * obedience / world::rollingGravity, gentleTilt)};
 }
 
 }  // namespace
 
-TiltPlayer::TiltPlayer(const GameTest& game, const QImage& picture)
-    : test(game),
-      map(picture),
-      planner(
-          map, [](Qt::Key) {}, [](Qt::Key) {}),
-      flags(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 79, 90); })),
-      goals(map.cellsWhere([](const LevelPixel& pixel) { return isCheckpoint(pixel, 49, 68); }))
+TiltPlayer::TiltPlayer(Rollix& game, const QImage& picture)
+    : map(picture), sight(game, map, 0), strategy(map, gentle())
 {
 }
 
 PlayedHand TiltPlayer::hand()
 {
-    const PlayerView view{test.ballPosition(), test.ballVelocity(), test.boardPose()};
-    const CellPosition here = planner.cellOf(view);
-    flags.erase(std::remove(flags.begin(), flags.end(), here), flags.end());
-    return leading(tiltTowards(nearest(flags.empty() ? goals : flags, here), view));
+    sight.look();
+    const PlayerView& view = sight.view();
+    return leading(tiltFor(strategy.decide(sight, view.onBoard()), view));
 }
 
 PlayedHand TiltPlayer::restingHand() const
 {
-    return handFor(up());
-}
-
-osg::Vec3d TiltPlayer::up() const
-{
-    return osg::Matrixd::transform3x3(osg::Vec3d(0.0, 0.0, 1.0), test.boardPose());
+    return handFor(sight.view().up());
 }
 
 /// Holds the hand so that the board turns towards the tilt. A hand that is nearly there commands
 /// nothing, so it goes a little too far until the board is.
 PlayedHand TiltPlayer::leading(const osg::Vec2d& tilt) const
 {
-    const osg::Vec3d now = up();
+    const osg::Vec3d now = sight.view().up();
     osg::Vec2d missing = tilt - osg::Vec2d(now.x(), now.y());
     const double distance = missing.normalize();
     double lead = 0.0;
@@ -72,40 +72,4 @@ PlayedHand TiltPlayer::leading(const osg::Vec2d& tilt) const
     wanted.z() = std::sqrt(1.0 - std::min(0.9, wanted.length2()));
     wanted.normalize();
     return handFor(wanted);
-}
-
-CellPosition TiltPlayer::nearest(const std::vector<CellPosition>& cells,
-                                 const CellPosition& from) const
-{
-    CellPosition target = from;
-    std::size_t shortest = 0;
-    for (const CellPosition& cell : cells) {
-        const std::size_t length = planner.wayTo(cell, from).size();
-        if (length > 0 && (shortest == 0 || length < shortest)) {
-            shortest = length;
-            target = cell;
-        }
-    }
-    return target;
-}
-
-osg::Vec2d TiltPlayer::tiltTowards(const CellPosition& target, const PlayerView& view) const
-{
-    const osg::Vec3d ball = planner.onBoard(view);
-    const std::vector<CellPosition> way = planner.wayTo(target, planner.cellOf(view));
-    osg::Vec3d wanted;
-    if (!way.empty()) {
-        // The end of the straight run that the way begins with.
-        std::size_t corner = std::min<std::size_t>(1, way.size() - 1);
-        while (corner + 1 < way.size() &&
-               way[corner + 1].column - way[corner].column == way[1].column - way[0].column &&
-               way[corner + 1].row - way[corner].row == way[1].row - way[0].row)
-            ++corner;
-        wanted.set(within((map.x(way[corner]) - ball.x()) * approach, topSpeed),
-                   within((map.y(way[corner]) - ball.y()) * approach, topSpeed), 0.0);
-    }
-    wanted = osg::Matrixd::transform3x3(wanted, view.board);
-    return {
-        within((wanted.x() - view.velocity.x()) * obedience / world::rollingGravity, gentleTilt),
-        within((wanted.y() - view.velocity.y()) * obedience / world::rollingGravity, gentleTilt)};
 }

@@ -1,37 +1,31 @@
 #pragma once
 
 #include "LevelMap.h"
+#include "LevelSight.h"
 #include "PlayedHand.h"
-#include "support/GameTest.h"
-#include "support/KeyPlayer.h"
+#include "Strategy.h"
 
-#include <QImage>
 #include <osg/Vec2d>
-#include <osg/Vec3d>
 
-#include <vector>
+class QImage;
+class Rollix;
 
-/// A player with a hand and eyes, and no other way into the game: required flags in the order of
-/// their distance, then the goal.
+/// A player with a hand and eyes, and no other way into the game.
 class TiltPlayer
 {
 public:
-    TiltPlayer(const GameTest& test, const QImage& picture);
+    /// Of the level that the game shows now, painted by this picture.
+    TiltPlayer(Rollix& game, const QImage& picture);
 
-    /// How the hand is to be held at this tick.
+    /// Once a tick: how the hand is to be held.
     PlayedHand hand();
-    /// The hand that lies as the board does.
+    /// The hand that lies as the board did at the last look.
     PlayedHand restingHand() const;
 
 private:
-    osg::Vec3d up() const;
     PlayedHand leading(const osg::Vec2d& tilt) const;
-    CellPosition nearest(const std::vector<CellPosition>& cells, const CellPosition& from) const;
-    osg::Vec2d tiltTowards(const CellPosition& target, const PlayerView& view) const;
 
-    const GameTest& test;
-    LevelMap map;
-    KeyPlayer planner;
-    std::vector<CellPosition> flags;
-    std::vector<CellPosition> goals;
+    const LevelMap map;
+    LevelSight sight;
+    Strategy strategy;
 };

@@ -95,9 +95,8 @@ TEST_F(HandCameraTest, LeavesItAllToFewerThanTwoHands)
 
 TEST_F(HandCameraTest, DropsSmallStepsInsteadOfAddingThemUp)
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 100; ++i)
         EXPECT_TRUE(camera->handleFrame(frameOf({handAt(215, 0.25f), handAt(215, 0.25f)})));
-    }
     EXPECT_EQ(camera->angle(), pi);
     expectEye(0, -25, 30);
 }
@@ -108,9 +107,8 @@ TEST_F(HandCameraTest, RisesAndSinksByARateInEveryFrame)
         EXPECT_TRUE(camera->handleFrame(frameOf({handAt(235), handAt(235)})));
         expectEye(0, -25, 30.0 + i * 70.0 / 300.0);
     }
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 200; ++i)
         camera->handleFrame(frameOf({handAt(100), handAt(100)}));
-    }
     EXPECT_LT(eye().z(), -50.0) << "nothing stops it at the board";
 }
 

@@ -28,16 +28,15 @@ Leap::Hand handWith(const Leap::Vector& palmNormal, const Leap::Vector& directio
 // Fingertips up by the angle in radians.
 Leap::Hand pitchedHand(double angle)
 {
-    const auto c = static_cast<float>(std::cos(angle));
-    const auto s = static_cast<float>(std::sin(angle));
+    const auto c = float(std::cos(angle));
+    const auto s = float(std::sin(angle));
     return handWith(Leap::Vector(0, -c, -s), Leap::Vector(0, s, -c));
 }
 
 Leap::Hand rolledHand(double angle)
 {
-    return handWith(
-        Leap::Vector(static_cast<float>(std::sin(angle)), static_cast<float>(-std::cos(angle)), 0),
-        Leap::Vector(0, 0, -1));
+    return handWith(Leap::Vector(float(std::sin(angle)), float(-std::cos(angle)), 0),
+                    Leap::Vector(0, 0, -1));
 }
 
 osg::Vec3f errorOf(const Leap::Hand& hand, float minAngle, const osg::Quat& board = osg::Quat())
@@ -92,7 +91,7 @@ TEST(HandPose, TurnsThePalmsNormalWithTheCameraButNotTheFingers)
 {
     const Leap::Hand hand = rolledHand(0.4);
     const HandPose straight = handPose(hand, cameraAtStart);
-    const HandPose quarter = handPose(hand, cameraAtStart + static_cast<float>(pi / 2));
+    const HandPose quarter = handPose(hand, cameraAtStart + float(pi / 2));
     expectNear(straight.down, osg::Vec3f(std::sin(0.4f), 0, -std::cos(0.4f)), 1e-6);
     // The matrix on the left turns by minus the angle.
     expectNear(quarter.down, osg::Vec3f(0, -std::sin(0.4f), -std::cos(0.4f)), 1e-6);
@@ -109,12 +108,10 @@ TEST(AlignmentRotation, IsNothingAtNineHundredthsAndAllOfItAtEleven)
 
 TEST(AlignmentRotation, TellsTheRestPoseFromItsNeighbours)
 {
-    for (const Leap::Hand& hand : {pitchedHand(0.24), pitchedHand(-0.24), rolledHand(0.24)}) {
+    for (const Leap::Hand& hand : {pitchedHand(0.24), pitchedHand(-0.24), rolledHand(0.24)})
         EXPECT_LT(errorOf(hand, 0.0f).length(), 0.25f);
-    }
-    for (const Leap::Hand& hand : {pitchedHand(0.26), pitchedHand(-0.26), rolledHand(0.26)}) {
+    for (const Leap::Hand& hand : {pitchedHand(0.26), pitchedHand(-0.26), rolledHand(0.26)})
         EXPECT_GT(errorOf(hand, 0.0f).length(), 0.25f);
-    }
 }
 
 TEST(AlignmentRotation, LiftsTheFarEdgeForRaisedFingertips)
@@ -165,9 +162,8 @@ TEST(AlignmentRotation, BringsAnyPoseToAnyOtherThatIsTwistedOnly)
         const osg::Vec3f toDown = board * down;
         osg::Vec3f toForward = poses.unitVector() ^ toDown;
         toForward.normalize();
-        if ((board * forward) * toForward < -0.99f) {
+        if ((board * forward) * toForward < -0.99f)
             continue;  // of half a turn nobody can tell about which axis it is
-        }
         const osg::Vec3f vector = alignmentRotation(board, down, toDown, forward, toForward, 0.0f);
         ASSERT_LE(vector.length(), pi + 1e-4);
         const osg::Quat rotation(vector.length(), osg::Vec3d(vector));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 
 namespace {
 
@@ -48,6 +49,29 @@ TEST(LeapManager, ReplacesTheListenerBefore)
     const int framesOfFirst = first.frames;
     ASSERT_TRUE(eventually([&] { return second.frames > 2; }));
     EXPECT_EQ(first.frames, framesOfFirst);
+    LeapManager::removeListener();
+}
+
+TEST(LeapManager, ForgetsAListenerThatEndsAndNoOther)
+{
+    SensorService service;
+    service.shows({PlayedHand()});
+    auto listener = std::make_unique<Counter>();
+    Counter stranger;
+    LeapManager::setListener(listener.get());
+    ASSERT_TRUE(service.hasClient());
+    service.streams();
+    LeapManager::forget(&stranger);
+    ASSERT_TRUE(eventually([&] { return listener->frames > 2; }));
+    EXPECT_EQ(listener->exits, 0);
+    LeapManager::forget(listener.get());
+    EXPECT_EQ(listener->exits, 1);
+    const int frames = listener->frames;
+    Counter next;
+    LeapManager::setListener(&next);
+    EXPECT_EQ(listener->exits, 1);
+    EXPECT_TRUE(eventually([&] { return next.frames > 2; }));
+    EXPECT_EQ(listener->frames, frames);
     LeapManager::removeListener();
 }
 

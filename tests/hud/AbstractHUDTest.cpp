@@ -47,7 +47,7 @@ protected:
 
     static int drawableCount(AbstractHUD& element)
     {
-        return static_cast<int>(element.getGeode()->getNumDrawables());
+        return int(element.getGeode()->getNumDrawables());
     }
 
     struct NoAction : osgGA::GUIActionAdapter

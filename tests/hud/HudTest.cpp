@@ -57,9 +57,8 @@ void writesPicture(const std::string& name, int width, int height, const osg::Ve
 {
     osg::ref_ptr<osg::Image> image = new osg::Image;
     image->allocateImage(width, height, 1, GL_RGBA, GL_UNSIGNED_BYTE);
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             image->setColor(color, x, y);
-    }
     writesPicture(name, *image);
 }

@@ -8,6 +8,9 @@
 #include <osgDB/ReaderWriter>
 #include <osgDB/Registry>
 
+#include <cstdio>
+#include <string>
+
 namespace {
 
 const osg::Vec3i red(255, 0, 0);
@@ -128,10 +131,9 @@ TEST_F(ImageHUDTest, DrawsEveryPixelOfThePictureWhereItBelongs)
     constexpr int height = 5;  // no power of two: nothing may stretch the picture on its way
     osg::ref_ptr<osg::Image> image = new osg::Image;
     image->allocateImage(width, height, 1, GL_RGBA, GL_UNSIGNED_BYTE);
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             image->setColor({x % 2 ? 1.0f : 0.0f, y % 2 ? 1.0f : 0.0f, 0.0f, 1.0f}, x, y);
-    }
     image->setColor({0, 0, 1, 1}, 0, height - 1);
     writesPicture("pattern.png", *image);
     shown(makesImage("pattern.png", {0.5f, 0.5f}, {0, 0}, osgText::TextBase::LEFT_BOTTOM));
@@ -198,6 +200,21 @@ TEST_F(ImageHUDTest, DrawsNothingForAMissingPictureAndSaysSoOnce)
     writesPicture("absent.png", 10, 10, {1, 0, 0, 1});
     element->refresh();
     EXPECT_FALSE(drawnExtent().isEmpty());
+}
+
+TEST_F(ImageHUDTest, SaysSoAgainWhenAPictureThatWasThereGoesMissing)
+{
+    const std::string line = "I cannot read the image again.png. Imagine it.\n";
+    OutputCapture output;
+    auto element = shown(makesImage("again.png", {0.5f, 0.5f}, {0, 0}, 4));
+    EXPECT_EQ(output.text(), line);
+    writesPicture("again.png", 10, 10, {1, 0, 0, 1});
+    element->refresh();
+    EXPECT_EQ(output.text(), line);
+    ASSERT_EQ(std::remove("again.png"), 0);
+    element->refresh();
+    element->refresh();
+    EXPECT_EQ(output.text(), line + line);
 }
 
 TEST_F(ImageHUDTest, DrawsNothingForAPictureWithoutAPixel)

@@ -32,10 +32,9 @@ protected:
     int pixelsNear(const osg::Vec3i& color, int tolerance = 12)
     {
         int count = 0;
-        for (int y = 0; y < windowHeight; ++y) {
+        for (int y = 0; y < windowHeight; ++y)
             for (int x = 0; x < windowWidth; ++x)
                 count += isNear(offscreen.pixel(x, y), color, tolerance);
-        }
         return count;
     }
 };
@@ -173,6 +172,44 @@ TEST_F(TextHUDTest, StandsOnWholePixels)
     shown(element);
     element->resize(1001, 501);
     EXPECT_EQ(textOf(*element)->getPosition(), osg::Vec3(334, 334, 0));
+}
+
+TEST_F(TextHUDTest, KeepsItsSizeWhereTheWindowHasRoomForIt)
+{
+    auto element = shown(makesText("Not even close..."));
+    for (const auto& [width, height] : {std::pair<int, int>{3840, 2160}, {800, 600}, {640, 480}}) {
+        element->resize(width, height);
+        EXPECT_EQ(textOf(*element)->getCharacterHeight(), 30.0f);
+    }
+}
+
+TEST_F(TextHUDTest, ShrinksAwayFromEveryEdgeThatItWouldCross)
+{
+    for (int value = 0; value < 9; ++value) {
+        SCOPED_TRACE(value);
+        auto element = makesText("Bring your hand in rest position.");
+        element->setAlignment(static_cast<osgText::TextBase::AlignmentType>(value));
+        element->setPosition({0.9f - 0.4f * float(value / 3), 0.02f + 0.48f * float(value % 3)});
+        shown(element);
+        const Extent extent = drawnExtent();
+        ASSERT_FALSE(extent.isEmpty());
+        EXPECT_GT(extent.left, 0);
+        EXPECT_LT(extent.right, windowWidth);
+        EXPECT_GT(extent.bottom, 0);
+        EXPECT_LT(extent.top, windowHeight);
+        element->hide();
+    }
+}
+
+TEST_F(TextHUDTest, IsAsLargeAsItWasOnceTheWindowHasRoomAgain)
+{
+    auto element = shown(makesText("Bring your hand in rest position."));
+    element->resize(320, 240);
+    const float small = textOf(*element)->getCharacterHeight();
+    EXPECT_LT(small, 20.0f);
+    EXPECT_GT(small, 10.0f);
+    element->resize(windowWidth, windowHeight);
+    EXPECT_EQ(textOf(*element)->getCharacterHeight(), 30.0f);
 }
 
 TEST_F(TextHUDTest, ShowsEveryNewSettingAtOnce)
@@ -322,4 +359,41 @@ TEST_F(ScoreHUDTest, GrowsToTheRight)
 
     EXPECT_EQ(three.left, one.left);
     EXPECT_GT(three.right, one.right + 20);
+}
+
+TEST_F(ScoreHUDTest, StaysInsideEveryWindowBesideTheCoin)
+{
+    for (const auto& [width, height] :
+         {std::pair<int, int>{320, 240}, {640, 480}, {800, 600}, {3840, 2160}}) {
+        OffscreenView window(width, height);
+        osg::ref_ptr<ScoreHUD> score = new ScoreHUD;
+        score->setPosition({0.955f, 0.965f});
+        score->setAlignment(osgText::TextBase::LEFT_TOP);
+        score->init(window.root(), window.view());
+        score->show();
+        for (const int number : {0, 7, 10, 99, 100, 888, 4444, 10000, 99999}) {
+            SCOPED_TRACE(std::to_string(number) + " in " + std::to_string(width));
+            score->setScore(number);
+            const osg::BoundingBox bounds = textOf(*score)->getBoundingBox();
+            EXPECT_LE(bounds.xMax(), float(width));
+            EXPECT_GE(bounds.yMin(), 0.0f);
+            EXPECT_EQ(textOf(*score)->getPosition().x(), float(int(0.955f * float(width))));
+        }
+        // What is drawn keeps off the edge as well, outline and all.
+        if (width > windowWidth)
+            continue;
+        for (const int number : {10, 99, 888}) {
+            SCOPED_TRACE(std::to_string(number) + " in " + std::to_string(width));
+            score->setScore(number);
+            window.setBackground({0.2f, 0.2f, 0.6f, 1.0f});
+            window.draw();
+            int drawn = 0;
+            for (int y = 0; y < height; ++y) {
+                EXPECT_TRUE(isNear(window.pixel(width - 1, y), background));
+                for (int x = int(0.955f * float(width)); x < width; ++x)
+                    drawn += !isNear(window.pixel(x, y), background);
+            }
+            EXPECT_GT(drawn, 20);
+        }
+    }
 }

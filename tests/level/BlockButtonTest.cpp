@@ -84,10 +84,9 @@ protected:
     osg::MatrixTransform* seatOf(Block& block)
     {
         osg::Group* group = block.getTransform();
-        for (unsigned int i = 0; i < group->getNumChildren(); ++i) {
+        for (unsigned int i = 0; i < group->getNumChildren(); ++i)
             if (auto* seat = dynamic_cast<osg::MatrixTransform*>(group->getChild(i)))
                 return seat;
-        }
         return nullptr;
     }
 
@@ -128,10 +127,9 @@ protected:
         const std::map<int, int> before = pendingShots();
         action();
         std::vector<int> intervals;
-        for (const auto& [timer, interval] : pendingShots()) {
+        for (const auto& [timer, interval] : pendingShots())
             if (before.count(timer) == 0)
                 intervals.push_back(interval);
-        }
         return intervals;
     }
 
@@ -141,10 +139,9 @@ private:
     {
         QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
         std::map<int, int> intervals;
-        for (QObject* object : dispatcher->children()) {
+        for (QObject* object : dispatcher->children())
             for (const auto& timer : dispatcher->registeredTimers(object))
                 intervals[timer.timerId] = timer.interval;
-        }
         return intervals;
     }
 };

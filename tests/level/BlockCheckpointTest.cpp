@@ -106,12 +106,26 @@ TEST_F(BlockCheckpointTest, DrawsTheLineBetweenItsKindsWhereThePictureDoes)
         osg::Uniform* color = uniformBelow(blockAt(column, 0)->getTransform(), "a_FlagColor");
         const bool isCheckpoint = column >= 2 && column <= 5;
         ASSERT_EQ(color != nullptr, isCheckpoint);
-        if (isCheckpoint) {
+        if (isCheckpoint)
             EXPECT_EQ(valueOf<osg::Vec4f>(color).r() > 0.5f, column <= 3) << "red if required";
-        }
     }
     EXPECT_EQ(uniform<int>(blockAt(0, 1), "a_FlagType"), 1);
     EXPECT_GT(uniform<osg::Vec4f>(blockAt(0, 1), "a_FlagColor").b(), 0.5f);
+}
+
+TEST_F(BlockCheckpointTest, SharesItsProgramWithFlagsThatSetTheSameUniforms)
+{
+    // In a shared program, a flag sees whatever uniform it does not set as another has set it.
+    loads({"SROGG"});
+    const auto programOf = [this](int column) {
+        const osg::Node* flag = nodeWithUniform(blockAt(column, 0)->getTransform(), "a_FlagType");
+        return flag->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM);
+    };
+    EXPECT_NE(programOf(1), nullptr);
+    EXPECT_EQ(programOf(1), programOf(2));
+    EXPECT_NE(programOf(3), nullptr);
+    EXPECT_NE(programOf(3), programOf(1)) << "a goal has no colour";
+    EXPECT_NE(programOf(4), programOf(1));
 }
 
 TEST_F(BlockCheckpointTest, PaysOnceAndSinksWithinASecond)

@@ -285,9 +285,8 @@ TEST_F(BlockShapeTest, HasFacesThatLookOutwards)
             for (unsigned int corner = 0; corner < 4; ++corner)
                 faceMiddle += vertices[quad->index(corner)] / 4.0f;
             // A side may have no height at the low edge.
-            if (normals[face].length() > 0.0f) {
+            if (normals[face].length() > 0.0f)
                 EXPECT_GT(normals[face] * (faceMiddle - middle), 0.0f) << face;
-            }
         }
         EXPECT_GT(normals[4].z(), 0.0f) << "the slope";
     }

@@ -59,10 +59,9 @@ protected:
     std::vector<Joint*> jointsOf(PxJointConcreteType::Enum type)
     {
         std::map<unsigned int, Joint*> found;
-        for (const auto& [id, joint] : GameInside::jointsOf(game)) {
+        for (const auto& [id, joint] : GameInside::jointsOf(game))
             if (joint->getConcreteType() == PxType(type))
                 found[id] = static_cast<Joint*>(joint);
-        }
         std::vector<Joint*> result;
         for (const auto& [id, joint] : found)
             result.push_back(joint);
@@ -284,10 +283,9 @@ TEST_F(BoardTest, ComesLevelInOneStepAfterAFallWithNineFlags)
 {
     LevelPicture picture(13, 13, cells::floor);
     picture.set(2, 2, cells::start);
-    for (int row = 5; row <= 7; ++row) {
+    for (int row = 5; row <= 7; ++row)
         for (int column = 5; column <= 7; ++column)
             picture.set(column, row, cells::required);
-    }
     loads(picture);
     ticks(20);
     std::vector<std::pair<Block*, osg::Vec3d>> flags;

@@ -4,6 +4,7 @@
 #include "level/Board.h"
 #include "level/Level.h"
 #include "support/DifferingPixels.h"
+#include "support/EventLoop.h"
 #include "support/GameTest.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"
@@ -141,6 +142,44 @@ TEST_F(LevelFileTest, MayBeHuge)
     EXPECT_NEAR(ballPosition().x(), 0.5, 0.05);
 }
 
+TEST_F(LevelFileTest, GivesABareBoardAndOneLineWhenItWouldTakeTooMuch)
+{
+    QImage photograph(1920, 1080, QImage::Format_RGB32);
+    for (int y = 0; y < photograph.height(); ++y)
+        for (int x = 0; x < photograph.width(); ++x)
+            photograph.setPixel(x, y, qRgb(x / 8, y / 5, 90));
+    const QImage coins = LevelPicture(60, 60, {45, 90, 73}).image();
+    for (const QImage& image : {photograph, coins}) {
+        ASSERT_TRUE(image.save(levelFile));
+        OutputCapture output;
+        game.loadLevel(0);
+        EXPECT_TRUE(board().getBlocks().empty());
+        ASSERT_EQ(output.lines().size(), 2u);
+        EXPECT_EQ(output.lines()[0], readingLine);
+        EXPECT_EQ(output.lines()[1].rfind("I cannot build data/Rollix/level0.png: ", 0), 0u)
+            << output.lines()[1];
+        holds(Qt::Key_Up, 10);
+        EXPECT_GT(tiltDegrees(), 1.0) << "the game lives";
+    }
+    loads({"S"});
+    EXPECT_EQ(board().getBlocks().size(), 1u);
+}
+
+TEST_F(LevelFileTest, TellsOfAllItsRefusedPixelsInOneLine)
+{
+    LevelPicture picture(5, 4, cells::floor);
+    for (const auto& [column, row] : {std::pair(3, 1), {0, 2}, {4, 3}})
+        picture.set(column, row, {45, 100, 40, 200});
+    OutputCapture output;
+    loads(picture);
+    EXPECT_EQ(output.lines(),
+              (Lines{readingLine,
+                     "I cannot build 3 of the blocks of data/Rollix/level0.png: a value under 57 "
+                     "gives no body. The first is at column 3, row 1: hue 45, saturation 100, "
+                     "value 40, alpha 200."}));
+    EXPECT_EQ(board().getBlocks().size(), 17u);
+}
+
 TEST_F(LevelFileTest, MayBeOfAnyKindOfPng)
 {
     LevelPicture picture(6, 4, cells::floor);
@@ -222,12 +261,7 @@ TEST_F(LevelFileTest, GetsItsWoodBackWhenABrokenShaderIsMended)
     OutputCapture output;
     const auto noticed = [&] {
         const std::string notice = path.toStdString() + " was changed";
-        for (int i = 0; i < 2000; ++i) {
-            if (output.text().find(notice) != std::string::npos)
-                return true;
-            waits(10);
-        }
-        return false;
+        return waitUntil([&] { return output.text().find(notice) != std::string::npos; });
     };
     saves(path, "void main() { this is no shader }\n");
     ASSERT_TRUE(noticed());
@@ -236,16 +270,10 @@ TEST_F(LevelFileTest, GetsItsWoodBackWhenABrokenShaderIsMended)
 
     OutputCapture again;
     saves(path, text);
-    for (int i = 0; i < 2000 && again.text().empty(); ++i)
-        waits(10);
-    ASSERT_FALSE(again.text().empty());
+    ASSERT_TRUE(waitUntil([&] { return !again.text().empty(); }));
     // A save comes as one or more notices; the last one has the whole text.
-    bool isBack = false;
-    for (int i = 0; i < 200 && !isBack; ++i) {
-        waits(10);
-        isBack = differingPixels(frame(false), wood) < 50;
-    }
-    EXPECT_TRUE(isBack) << "without a restart";
+    EXPECT_TRUE(waitUntil([&] { return differingPixels(frame(false), wood) < 50; }))
+        << "without a restart";
 }
 
 }  // namespace

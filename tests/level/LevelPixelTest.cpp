@@ -26,10 +26,9 @@ std::map<int, Shape> shapesByValue()
         {73, {1, 1, 4}}, {86, {2, 2, 4}}, {95, {3, 3, 4}}, {100, {4, 4, 4}}};
     int value = 57;
     for (int low = 0; low < 4; ++low) {
-        for (int high = low + 1; high <= 4; ++high) {
+        for (int high = low + 1; high <= 4; ++high)
             for (int slope = 0; slope < 4; ++slope)
                 shapes[value++] = {low, high, slope};
-        }
         ++value;  // the flat one of the next level
     }
     return shapes;
@@ -62,10 +61,9 @@ TEST(LevelPixel, GivesEveryHueItsKind)
             {90, BlockKind::Standard}, {135, BlockKind::Checkpoint}, {270, BlockKind::Button},
             {225, BlockKind::Ghost},   {180, BlockKind::Elevator},   {0, BlockKind::Trap},
             {360, BlockKind::Trap},    {45, BlockKind::Item},        {315, BlockKind::Portal}};
-        for (const auto& [middle, kind] : nominal) {
+        for (const auto& [middle, kind] : nominal)
             if (std::abs(hue - middle) <= 10)
                 return kind;
-        }
         return BlockKind::None;
     };
     int kinds = 0;

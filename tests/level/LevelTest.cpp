@@ -11,6 +11,8 @@
 #include "support/OutputCapture.h"
 #include "support/SceneSearch.h"
 
+#include <osgText/Text>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -102,6 +104,29 @@ TEST_F(LevelTest, BeginsWithFiveLivesAndNoCoinsOnTheStart)
     EXPECT_EQ(std::count(images.begin(), images.end(), "data/Rollix/coins.png"), 1);
     EXPECT_EQ(level().number, 0u);
     EXPECT_EQ(level().game(), &game);
+}
+
+TEST_F(LevelTest, ShowsLivesCoinAndNumberInTheUpperRightCorner)
+{
+    // Right edges at 0.9 and 0.95 of the window's width, tops at 0.97 of its height, 0.03 of it
+    // high, and as wide as the picture is for that.
+    game.getCamera()->setViewport(0, 0, 800, 600);
+    game.loadLevel(0);
+    const osg::Drawable* lives = drawableOfImage(game.getSceneData(), "data/Rollix/lives-5.png");
+    ASSERT_NE(lives, nullptr);
+    EXPECT_EQ(lives->getBoundingBox().corner(7), osg::Vec3(720, 582, 0));
+    EXPECT_EQ(lives->getBoundingBox().corner(0), osg::Vec3(720 - 72, 564, 0));
+    const osg::Drawable* coin = drawableOfImage(game.getSceneData(), "data/Rollix/coins.png");
+    ASSERT_NE(coin, nullptr);
+    EXPECT_EQ(coin->getBoundingBox().corner(7), osg::Vec3(760, 582, 0));
+    EXPECT_EQ(coin->getBoundingBox().corner(0), osg::Vec3(760 - 18, 564, 0));
+
+    const osgText::Text* score = textReading("0", game.getSceneData());
+    ASSERT_NE(score, nullptr);
+    EXPECT_EQ(score->getPosition(), osg::Vec3(764, 579, 0));
+    EXPECT_EQ(score->getAlignment(), osgText::TextBase::LEFT_TOP);
+    EXPECT_EQ(score->getCharacterHeight(), 30.0f);
+    EXPECT_EQ(score->getColor(), osg::Vec4(0, 0, 0, 1));
 }
 
 TEST_F(LevelTest, ShowsTheLivesThatAreLeft)
@@ -206,6 +231,25 @@ TEST_F(LevelTest, LevelsTheBoardOfALevelWithoutAStart)
     ticks();
     EXPECT_LT(tiltDegrees(), 0.1);
     EXPECT_GT(ballPosition().z(), 39.0) << "the ball stays where it is";
+}
+
+TEST_F(LevelTest, BeginsAnewWithoutAStartAndLeavesTheBallWhereItIs)
+{
+    loads({"...", "..."});
+    ticks();
+    putsBall(osg::Vec3d(0.0, 0.0, 40.0));
+    ticks();
+    level().changeCoins(7);
+    level().changeLives(-2, false);
+    OutputCapture output;
+    level().restart(true);
+    ticks();
+    EXPECT_EQ(output.text(), "");
+    EXPECT_EQ(level().checkpoint, nullptr);
+    EXPECT_EQ(level().livesLeft(), 5);
+    EXPECT_EQ(level().coinCount(), 0);
+    EXPECT_EQ(game.state, GameState::LevelFailed);
+    EXPECT_GT(ballPosition().z(), 39.0);
 }
 
 TEST_F(LevelTest, TellsTheGameThatItIsWon)

@@ -25,10 +25,9 @@ QImage filled(int width, int height, QRgb color)
 QImage smoothPhotograph()
 {
     QImage picture(1920, 1080, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
+    for (int y = 0; y < picture.height(); ++y)
         for (int x = 0; x < picture.width(); ++x)
             picture.setPixelColor(x, y, QColor::fromHsvF(x / 1920.0, y / 1080.0, 0.9));
-    }
     return picture;
 }
 
@@ -36,10 +35,9 @@ QImage noise(int width, int height)
 {
     std::mt19937 random(1);
     QImage picture(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             picture.setPixel(x, y, random());
-    }
     return picture;
 }
 

@@ -8,9 +8,11 @@
 using namespace physx;
 
 namespace {
+
 constexpr unsigned int boardId = 1, ballId = 2, firstBlock = 10;
 constexpr float coneAngle = 0.5235988f;
 constexpr float key = 0.1f;  // what a held key adds to the board's angular velocity in a tick
+
 }  // namespace
 
 /// The world as a level makes it: a flat board of boxes on its five joints, and a ball.
@@ -153,9 +155,8 @@ TEST_F(PhysxBoard, ReachesThirtyDegreesInHalfASecondAndStopsThereHoweverLongAKey
         ASSERT_LE(spin(), 1.0f + 1e-4f);
         // The limit only begins to act past its edge: one step's turn may lie beyond it.
         ASSERT_LE(tilt(), 30.0 + gameStep * 180.0 / osg::PI);
-        if (tick >= halfASecond - 1) {
+        if (tick >= halfASecond - 1)
             ASSERT_NEAR(tilt(), 30.0, 0.1);
-        }
         ASSERT_LT(scene->position(boardId).length(), 1e-3f);
     }
     scene->steps(60);

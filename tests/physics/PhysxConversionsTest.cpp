@@ -12,7 +12,7 @@ TEST(PhysxConversions, NarrowTheElementsInStorageOrder)
     const PxMat44 result = toPxMat44(matrix);
     for (int i = 0; i < 16; ++i) {
         SCOPED_TRACE(i);
-        EXPECT_EQ(result.front()[i], static_cast<float>(i + 0.1));
+        EXPECT_EQ(result.front()[i], float(i + 0.1));
     }
 }
 
@@ -20,11 +20,11 @@ TEST(PhysxConversions, WidenTheElementsInStorageOrder)
 {
     float values[16];
     for (int i = 0; i < 16; ++i)
-        values[i] = static_cast<float>(i) + 0.1f;
+        values[i] = float(i) + 0.1f;
     const osg::Matrixd result = toOsgMatrix(PxMat44(values));
     for (int i = 0; i < 16; ++i) {
         SCOPED_TRACE(i);
-        EXPECT_EQ(result.ptr()[i], static_cast<double>(values[i]));
+        EXPECT_EQ(result.ptr()[i], double(values[i]));
     }
 }
 

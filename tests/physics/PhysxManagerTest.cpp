@@ -10,6 +10,7 @@
 using namespace physx;
 
 namespace {
+
 /// Keeps PhysX's own report of the rival foundation out of the output.
 class SilentErrors : public PxErrorCallback
 {
@@ -46,6 +47,7 @@ void exitWithALiveScene()
     scene->steps(3);
     std::exit(0);
 }
+
 }  // namespace
 
 TEST(PhysxManager, IsCreatedOnce)

@@ -8,6 +8,7 @@
 using namespace physx;
 
 namespace {
+
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
 osg::ref_ptr<osg::Vec3Array> points(std::initializer_list<osg::Vec3f> list)
@@ -28,6 +29,7 @@ osg::ref_ptr<osg::Vec3Array> unitCube()
                    {.5f, .5f, 0},
                    {.5f, .5f, 1}});
 }
+
 }  // namespace
 
 class PhysxSceneActors : public PhysxTest

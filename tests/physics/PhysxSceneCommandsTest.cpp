@@ -7,6 +7,7 @@
 using namespace physx;
 
 namespace {
+
 const osg::Vec3f up(0, 0, 1);
 }
 

@@ -33,8 +33,8 @@ protected:
 
     void sendLift(double travel, int direction)
     {
-        scene->setD6Motion(slide, PxD6Axis::eZ, PxD6Motion::eLIMITED,
-                           static_cast<float>(std::abs(travel) / 2), 0.0f);
+        scene->setD6Motion(slide, PxD6Axis::eZ, PxD6Motion::eLIMITED, float(std::abs(travel) / 2),
+                           0.0f);
         scene->driveJoint(slide, osg::Matrixd::translate(0, 0, -travel * direction), {0, 0, 0.1f},
                           {});
     }

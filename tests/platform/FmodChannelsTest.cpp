@@ -13,6 +13,7 @@
 using namespace fmodlayer;
 
 namespace {
+
 /// Polls, so that a busy machine only takes longer.
 bool comesTrue(const std::function<bool()>& condition)
 {
@@ -239,7 +240,7 @@ TEST_F(FmodLayerWithoutDevice, FailsToInitButGoesOnInSilence)
 TEST_F(FmodLayerWithoutDevice, RunsOutAtTheLengthOfTheSound)
 {
     constexpr double seconds = 0.05;
-    FMOD::Sound* sound = load(wave("a.wav", {0.5f}, static_cast<int>(seconds * 44100)));
+    FMOD::Sound* sound = load(wave("a.wav", {0.5f}, int(seconds * 44100)));
     const auto start = std::chrono::steady_clock::now();
     FMOD::Channel* channel = play(sound);
     int index;
@@ -343,4 +344,5 @@ TEST(FmodLayerDeathTest, LetsNoLibraryChatterWhenTheDesktopHasNoDevice)
         },
         testing::ExitedWithCode(FMOD_ERR_OUTPUT_INIT), "output:\n$");
 }
+
 }  // namespace

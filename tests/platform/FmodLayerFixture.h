@@ -37,7 +37,7 @@ protected:
     {
         SF_INFO info = {};
         info.samplerate = rate;
-        info.channels = static_cast<int>(frame.size());
+        info.channels = int(frame.size());
         info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
         const std::string path = pathOf(name);
         SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);

@@ -7,6 +7,7 @@
 using namespace fmodlayer;
 
 namespace {
+
 TEST_F(FmodLayerHeard, PlaysAsRecordedOnBothSides)
 {
     play(load(wave("a.wav", {0.25f}, 4410)));
@@ -190,7 +191,7 @@ TEST_F(FmodLayerHeard, SurvivesFilesThatAreCutOrDamaged)
         std::string damaged = whole;
         for (int j = 0; j < 20; ++j) {
             random = random * 1103515245u + 12345u;
-            damaged[(random >> 8) % damaged.size()] = static_cast<char>(random >> 24);
+            damaged[(random >> 8) % damaged.size()] = char(random >> 24);
         }
         create(file("damaged.mp3", damaged));
     }
@@ -198,4 +199,5 @@ TEST_F(FmodLayerHeard, SurvivesFilesThatAreCutOrDamaged)
     // None of it harmed what comes after.
     EXPECT_EQ(create(hit), FMOD_OK);
 }
+
 }  // namespace

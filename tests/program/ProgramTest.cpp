@@ -51,7 +51,7 @@ protected:
     }
 
     /// Starts it and waits for its window.
-    void starts()
+    void starts(const QString& path = ROLLIX_PROGRAM)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         // Whatever this machine has, it plays nothing.
@@ -59,7 +59,7 @@ protected:
         environment.remove("QT_SCALE_FACTOR");
         program.setProcessEnvironment(environment);
         program.setWorkingDirectory(folder.path());
-        program.start(ROLLIX_PROGRAM, QStringList());
+        program.start(path, QStringList());
         ASSERT_TRUE(program.waitForStarted());
         ASSERT_TRUE(waitsFor([this] { return window.find(program.processId()); }));
     }
@@ -93,10 +93,9 @@ protected:
     Lines complaints()
     {
         Lines result;
-        for (const std::string& line : lines()) {
+        for (const std::string& line : lines())
             if (line.rfind("I ", 0) == 0 || line.rfind("FMOD", 0) == 0)
                 result.push_back(line);
-        }
         std::sort(result.begin(), result.end());
         return result;
     }
@@ -205,6 +204,15 @@ TEST_F(ProgramTest, EndsWhenItIsClosedAtOnce)
     starts();
     closes();
     EXPECT_EQ(lines(), (Lines{"reading level data/Rollix/level0.png", noDeviceLine}));
+}
+
+TEST_F(ProgramTest, EndsAsItShouldThoughTheSoundDoesNot)
+{
+    paints(0, LevelPicture({"S"}));
+    starts(ROLLIX_FAILING_RELEASE);
+    closes();
+    EXPECT_EQ(lines(), (Lines{"reading level data/Rollix/level0.png", noDeviceLine,
+                              "FMOD ERROR: System did not terminate properly!"}));
 }
 
 TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)

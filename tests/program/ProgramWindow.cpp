@@ -62,10 +62,9 @@ public:
         unsigned int count = 0;
         if (!XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count))
             return false;
-        for (unsigned int i = 0; i < count; ++i) {
+        for (unsigned int i = 0; i < count; ++i)
             if (belongsTo(children[i], process) && isSeen(children[i]))
                 window = children[i];
-        }
         if (children)
             XFree(children);
         return window != 0;
@@ -103,10 +102,9 @@ public:
         if (!pixels)
             return {};
         QImage result(pixels->width, pixels->height, QImage::Format_RGB32);
-        for (int y = 0; y < pixels->height; ++y) {
+        for (int y = 0; y < pixels->height; ++y)
             for (int x = 0; x < pixels->width; ++x)
                 result.setPixel(x, y, 0xff000000u | QRgb(XGetPixel(pixels, x, y)));
-        }
         XDestroyImage(pixels);
         return result;
     }

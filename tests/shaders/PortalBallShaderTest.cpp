@@ -129,10 +129,9 @@ protected:
         const QImage image = grab->image();
         Areas areas{0, 0};
         for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
+            for (int x = 0; x < image.width(); ++x)
                 if (qRed(image.pixel(x, y)) > 0)
                     ++(x < image.width() / 2 ? areas.atSender : areas.atReceiver);
-            }
         }
         return areas;
     }

@@ -85,6 +85,34 @@ TEST_F(ShaderProgramTest, InstallsItselfOnTheNodeAndGoesWithItsLastHolder)
     EXPECT_EQ(node->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM), nullptr);
 }
 
+TEST_F(ShaderProgramTest, InstallsItselfOnANodeThatNobodyHoldsYet)
+{
+    osg::Group* fresh = new osg::Group;
+    osg::ref_ptr<ShaderProgram> program = new ShaderProgram(fresh);
+    osg::Group* another = new osg::Group;
+    osg::ref_ptr<ShaderProgram> sharer = new ShaderProgram(another, program);
+    sharer->setVertexShader(writesFile("own.vert", "own"));
+
+    const osg::ref_ptr<osg::Group> node = fresh;
+    const osg::ref_ptr<osg::Group> nodeOfSharer = another;
+    ASSERT_TRUE(node->getStateSet());
+    EXPECT_EQ(node->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM),
+              program->program.get());
+    ASSERT_TRUE(nodeOfSharer->getStateSet());
+    EXPECT_EQ(nodeOfSharer->getStateSet()->getAttribute(osg::StateAttribute::PROGRAM),
+              sharer->program.get());
+    EXPECT_NE(sharer->program, program->program);
+}
+
+TEST_F(ShaderProgramTest, OutlivesItsNode)
+{
+    osg::ref_ptr<osg::Group> node = new osg::Group;
+    osg::ref_ptr<ShaderProgram> program = new ShaderProgram(node);
+    node = nullptr;
+    program->setVertexShader(writesFile("left.vert", "left"));
+    EXPECT_EQ(program->program->getNumShaders(), 1u);
+}
+
 TEST_F(ShaderProgramTest, ReplacesAStage)
 {
     osg::ref_ptr<osg::Group> node = new osg::Group;
@@ -328,6 +356,55 @@ TEST_F(ShaderProgramTest, ReportsAnUnreadableFileOnceAndComesToLifeWhenItIsThere
     writesFile("absent.vert", "there");
     stage->reload();
     EXPECT_EQ(sourceOf(*stage), "there");
+}
+
+TEST_F(ShaderProgramTest, ReportsAFileAnewThatWasMendedAndBreaksAgain)
+{
+    const std::string path = pathOf("again.vert");
+    const std::string line =
+        "I cannot read the shader " + path + ". What it colours looks odd now.\n";
+    OutputCapture output;
+    osg::ref_ptr<Shader> stage = new Shader(path, osg::Shader::VERTEX);
+    for (int round = 1; round <= 3; ++round) {
+        SCOPED_TRACE(round);
+        stage->reload();
+        EXPECT_EQ(output.count(line), round);
+        writesFile("again.vert", "there");
+        stage->reload();
+        ASSERT_TRUE(QFile::remove(QString::fromStdString(path)));
+        stage->reload();
+        EXPECT_EQ(output.count(line), round + 1);
+    }
+}
+
+TEST_F(ShaderProgramTest, KeepsTheTextOfAFileThatGoesAwayIfNothingIsPastedIntoIt)
+{
+    OutputCapture output;
+    osg::ref_ptr<Shader> bare = new Shader(writesFile("bare.vert", "bare"), osg::Shader::VERTEX);
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(pathOf("bare.vert"))));
+    const std::string notice = "VERTEX Shader " + pathOf("bare.vert") + " changed\n";
+    ASSERT_TRUE(waitUntil([&] { return output.count(notice) >= 1; }));
+    EXPECT_EQ(sourceOf(*bare), "bare");
+    EXPECT_EQ(output.count("I cannot read the shader " + pathOf("bare.vert")), 1);
+
+    writesFile("bare.vert", "new");
+    EXPECT_TRUE(waitUntil([&] { return sourceOf(*bare) == "new"; }));
+}
+
+TEST_F(ShaderProgramTest, IsEmptyWithoutItsFileIfThereIsSomethingToPaste)
+{
+    OutputCapture output;
+    osg::ref_ptr<Shader> stage =
+        new Shader(writesFile("pasted.vert", "//X\nrest\n"), osg::Shader::VERTEX);
+    stage->addCodeInjection("code", "//X");
+    ASSERT_EQ(sourceOf(*stage), "code\n//X\nrest\n");
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(pathOf("pasted.vert"))));
+    EXPECT_TRUE(waitUntil([&] { return sourceOf(*stage).empty(); }));
+    EXPECT_EQ(output.text(), pathOf("pasted.vert") + " was changed\nVERTEX Shader " +
+                                 pathOf("pasted.vert") + " changed\n");
+
+    writesFile("pasted.vert", "//X\nback\n");
+    EXPECT_TRUE(waitUntil([&] { return sourceOf(*stage) == "code\n//X\nback\n"; }));
 }
 
 namespace {

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 namespace {
+
 // There is one system a process, and the first call decides whether it has a device: each of these
 // has a process of its own, whose two outputs are read as one. Where it ends by _exit, a line that
 // was not flushed is lost.
@@ -163,4 +164,5 @@ TEST_F(FmodManagerDeathTest, LetsASceneGoAfterTheSystemIsReleased)
         "output:\nFMOD error 30 - The system, sound or channel is gone\\.\n"
         "FMOD error 30 - The system, sound or channel is gone\\.\n$");
 }
+
 }  // namespace

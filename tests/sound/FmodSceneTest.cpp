@@ -13,6 +13,7 @@
 #include <string>
 
 namespace {
+
 const std::string hit1 = "data/Rollix/wood-ball-hit-1.mp3";
 const std::string hit2 = "data/Rollix/wood-ball-hit-2.mp3";
 constexpr double pastTheEnd = 1.0;  // s, longer than any hit
@@ -245,4 +246,5 @@ TEST_F(FmodSceneTest, TakesItsSoundsWithIt)
     EXPECT_EQ(heard(pastTheEnd), 0.0f);
     EXPECT_EQ(sound->release(), FMOD_ERR_INVALID_HANDLE);
 }
+
 }  // namespace

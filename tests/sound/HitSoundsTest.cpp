@@ -9,6 +9,7 @@
 #include <vector>
 
 namespace {
+
 constexpr int hitCount = 8;
 
 /// The eight hits as the game loads them.
@@ -27,7 +28,7 @@ protected:
 
     static std::size_t frames(double seconds, const SoundFile& hit)
     {
-        return static_cast<std::size_t>(seconds * hit.rate);
+        return std::size_t(seconds * hit.rate);
     }
 
     std::vector<SoundFile> hits;
@@ -85,7 +86,7 @@ TEST_F(HitSounds, BeginWithinTenMilliseconds)
     for (const SoundFile& hit : hits) {
         const auto loud = std::find_if(hit.samples.begin(), hit.samples.end(),
                                        [](float sample) { return std::fabs(sample) > 0.1f; });
-        EXPECT_LT(static_cast<std::size_t>(loud - hit.samples.begin()) / 2, frames(0.01, hit));
+        EXPECT_LT(std::size_t(loud - hit.samples.begin()) / 2, frames(0.01, hit));
     }
 }
 
@@ -95,16 +96,14 @@ TEST_F(HitSounds, BeginAndEndWithoutAClick)
         const std::vector<float>& samples = hit.samples;
         EXPECT_LT(std::fabs(samples.front()), 0.01f);
         const std::size_t tail = 2 * frames(0.01, hit);
-        EXPECT_LT(peakOf({samples.end() - static_cast<std::ptrdiff_t>(tail), samples.end()}),
-                  0.001f);
+        EXPECT_LT(peakOf({samples.end() - std::ptrdiff_t(tail), samples.end()}), 0.001f);
     }
 }
 
 TEST_F(HitSounds, DieAway)
 {
     for (const SoundFile& hit : hits) {
-        const auto middle =
-            hit.samples.begin() + static_cast<std::ptrdiff_t>(hit.samples.size() / 2);
+        const auto middle = hit.samples.begin() + std::ptrdiff_t(hit.samples.size() / 2);
         EXPECT_LT(peakOf({middle, hit.samples.end()}), 0.1f * peakOf(hit.samples));
     }
 }
@@ -115,4 +114,5 @@ TEST_F(HitSounds, AllDiffer)
         for (int j = 0; j < i; ++j)
             EXPECT_LT(std::fabs(correlation(hits[i], hits[j])), 0.9) << i + 1 << " and " << j + 1;
 }
+
 }  // namespace

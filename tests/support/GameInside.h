@@ -13,6 +13,7 @@ public:
     static auto& jointsOf(Rollix& game) { return game.*&GameInside::joints; }
     static auto& materialsOf(Rollix& game) { return game.*&GameInside::materials; }
     static auto& transformsOf(Rollix& game) { return game.*&GameInside::actorTransforms; }
+    static auto& tasksOf(Rollix& game) { return game.*&GameInside::tasks; }
     static auto& soundsOf(Rollix& game) { return game.*&GameInside::sounds; }
 
     static physx::PxRigidDynamic& bodyOf(Rollix& game, unsigned int id)

@@ -10,13 +10,12 @@
 #include "level/Block.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "support/ManualClock.h"
 #include "support/SceneSearch.h"
 #include "support/SharedWorld.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QKeyEvent>
-#include <QThread>
 #include <osg/Math>
 
 #include <algorithm>
@@ -53,6 +52,8 @@ GameTest::~GameTest()
             game.endMenu->hide();
         releases(key);
     }
+    // Whatever was pressed for less than a tick has its tick here.
+    ticks();
 }
 
 void GameTest::loads(const LevelPicture& picture, unsigned int number)
@@ -91,12 +92,8 @@ bool GameTest::ticksUntil(const std::function<bool()>& condition, int limit)
 
 void GameTest::waits(int milliseconds)
 {
-    QElapsedTimer clock;
-    clock.start();
-    do {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        QThread::msleep(1);
-    } while (clock.elapsed() < milliseconds);
+    ManualClock clock;
+    clock.passes(milliseconds);
 }
 
 void GameTest::plays(int milliseconds)
@@ -106,16 +103,12 @@ void GameTest::plays(int milliseconds)
 
 bool GameTest::playsUntil(const std::function<bool()>& condition, int limit)
 {
-    QElapsedTimer clock;
-    clock.start();
-    for (int played = 0; clock.elapsed() < limit; ++played) {
+    ManualClock clock;
+    for (int played = 0; played < limit; played += tickMilliseconds) {
         if (condition())
             return true;
         ticks();
-        QCoreApplication::processEvents();
-        const qint64 ahead = qint64(played + 1) * tickMilliseconds - clock.elapsed();
-        if (ahead > 0)
-            QThread::msleep(static_cast<unsigned long>(ahead));
+        clock.passes(tickMilliseconds);
     }
     return condition();
 }
@@ -208,10 +201,9 @@ Block* GameTest::blockAt(int column, int row) const
 {
     const float x = (float(column) - float(pictureWidth) * 0.5f) + 0.5f;
     const float y = (float(pictureHeight) * 0.5f - float(row)) - 0.5f;
-    for (const osg::ref_ptr<Block>& block : board().getBlocks()) {
+    for (const osg::ref_ptr<Block>& block : board().getBlocks())
         if (block->x == x && block->y == y)
             return block;
-    }
     return nullptr;
 }
 

@@ -36,9 +36,10 @@ public:
     void ticks(int count = 1);
     /// Ticks until the condition holds; false if it does not within `limit` ticks.
     bool ticksUntil(const std::function<bool()>& condition, int limit);
-    /// Lets real time pass and serves timers and file watches, without a tick.
+    /// Lets time pass and serves timers, without a tick. In this and the next two, time is what a
+    /// ManualClock shows: it costs none.
     void waits(int milliseconds);
-    /// Ticks at the game's own pace while timers are served, for so much real time.
+    /// Ticks at the game's own pace while timers are served, for so much time.
     void plays(int milliseconds);
     /// As plays(), until the condition holds; false if it does not within `limit` milliseconds.
     bool playsUntil(const std::function<bool()>& condition, int limit);

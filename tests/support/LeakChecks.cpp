@@ -11,3 +11,9 @@ extern "C" const char* __asan_default_options()
 {
     return "quarantine_size_mb=1";
 }
+
+// Where both sanitizers are built in; a list of tests gives each only one variable.
+extern "C" const char* __ubsan_default_options()
+{
+    return "print_stacktrace=1";
+}

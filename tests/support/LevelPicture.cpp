@@ -54,10 +54,9 @@ LevelPicture::LevelPicture(const std::vector<std::string>& rows)
 void LevelPicture::paint(const std::vector<std::string>& rows)
 {
     picture = QImage(int(rows.front().size()), int(rows.size()), QImage::Format_ARGB32);
-    for (int row = 0; row < picture.height(); ++row) {
+    for (int row = 0; row < picture.height(); ++row)
         for (int column = 0; column < picture.width(); ++column)
             set(column, row, cellOf(rows[std::size_t(row)].at(std::size_t(column))));
-    }
 }
 
 LevelPicture& LevelPicture::set(int column, int row, const Cell& cell)

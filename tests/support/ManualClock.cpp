@@ -1,8 +1,8 @@
 #include "support/ManualClock.h"
 
-#include <QElapsedTimer>
-#include <osg/Timer>
+#include <QCoreApplication>
 
+#include <algorithm>
 #include <atomic>
 #include <ctime>
 #include <sys/syscall.h>
@@ -13,11 +13,18 @@ namespace {
 
 constexpr long long nanosecondsPerSecond = 1000000000;
 constexpr long long nanosecondsPerMillisecond = 1000000;
-constexpr int clockCount = 16;
+constexpr int longestStep = 10;  // milliseconds
 
-// Zero for a clock that nobody has asked for yet: it stops at its true time then.
-std::atomic<long long> stoppedAt[clockCount];
-std::atomic<long long> advanced{0};
+// Those that tell how late it is; the others tell what has been used up.
+constexpr clockid_t clocks[] = {CLOCK_REALTIME,        CLOCK_MONOTONIC,        CLOCK_MONOTONIC_RAW,
+                                CLOCK_REALTIME_COARSE, CLOCK_MONOTONIC_COARSE, CLOCK_BOOTTIME};
+constexpr int clockLimit = 8;
+
+// Asked from the first moment of the process on, by any thread.
+std::atomic<bool> stopped{false};
+std::atomic<long long> stoppedAt[clockLimit];
+std::atomic<long long> ahead{0};  // of the true time, while the clocks run
+int depth = 0;
 
 long long trueTime(clockid_t clock)
 {
@@ -26,15 +33,16 @@ long long trueTime(clockid_t clock)
     return time.tv_sec * nanosecondsPerSecond + time.tv_nsec;
 }
 
+bool isManual(clockid_t clock)
+{
+    return std::find(std::begin(clocks), std::end(clocks), clock) != std::end(clocks);
+}
+
 long long shownTime(clockid_t clock)
 {
-    if (clock < 0 || clock >= clockCount)
+    if (!isManual(clock))
         return trueTime(clock);
-    long long stopped = 0;
-    const long long now = trueTime(clock);
-    if (!stoppedAt[clock].compare_exchange_strong(stopped, now))
-        return stopped + advanced;
-    return now + advanced;
+    return stopped ? stoppedAt[clock].load() : trueTime(clock) + ahead;
 }
 
 }  // namespace
@@ -67,18 +75,35 @@ time_t time(time_t* result) noexcept
 }
 }
 
-void ManualClock::advance(int milliseconds)
+ManualClock::ManualClock()
 {
-    advanced += milliseconds * nanosecondsPerMillisecond;
+    if (depth++ > 0)
+        return;
+    for (const clockid_t clock : clocks)
+        stoppedAt[clock] = shownTime(clock);
+    stopped = true;
 }
 
-bool ManualClock::isSeenByLibraries()
+ManualClock::~ManualClock()
 {
-    QElapsedTimer qtClock;
-    qtClock.start();
-    const osg::Timer_t osgStart = osg::Timer::instance()->tick();
-    advance(1000);
-    const double osgSeconds =
-        osg::Timer::instance()->delta_s(osgStart, osg::Timer::instance()->tick());
-    return qtClock.elapsed() == 1000 && osgSeconds > 0.999 && osgSeconds < 1.001;
+    if (--depth > 0)
+        return;
+    ahead = stoppedAt[CLOCK_MONOTONIC] - trueTime(CLOCK_MONOTONIC);
+    stopped = false;
+}
+
+void ManualClock::advance(int milliseconds)
+{
+    for (const clockid_t clock : clocks)
+        stoppedAt[clock] += milliseconds * nanosecondsPerMillisecond;
+}
+
+void ManualClock::passes(int milliseconds)
+{
+    while (milliseconds > 0) {
+        const int step = std::min(milliseconds, longestStep);
+        advance(step);
+        QCoreApplication::processEvents();
+        milliseconds -= step;
+    }
 }

@@ -1,15 +1,21 @@
 #pragma once
 
-/// The time that this process sees: Qt's timers, frame stamps, everything. Linked into a program,
-/// it stands still from its first use on and goes on only as it is told, so that a minute of game
-/// with all its timers takes as long as its ticks, and every run is the same run.
+/// The time that this process sees: Qt's timers, frame stamps, everything. While one of these
+/// lives, it stands still and goes on only as it is told, so that a minute of game with all its
+/// timers takes as long as its ticks, and every run is the same run. Afterwards it goes on from
+/// where it stands. One inside another is the same clock. Main thread.
 ///
-/// Nothing of such a program may wait in a loop for time to pass.
+/// While it lives, nothing may wait in a loop for time to pass.
 class ManualClock
 {
 public:
-    static void advance(int milliseconds);
+    ManualClock();
+    ~ManualClock();
+    ManualClock(const ManualClock&) = delete;
+    ManualClock& operator=(const ManualClock&) = delete;
 
-    /// Whether the libraries of this program, which bring their own calls, look at this clock.
-    static bool isSeenByLibraries();
+    void advance(int milliseconds);
+
+    /// Advances in small steps, and serves the timers that come due.
+    void passes(int milliseconds);
 };

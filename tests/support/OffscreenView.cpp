@@ -12,8 +12,8 @@ struct GrabFrame : osg::Camera::DrawCallback
     void operator()(osg::RenderInfo& info) const override
     {
         const osg::Viewport* viewport = info.getCurrentCamera()->getViewport();
-        image->readPixels(0, 0, static_cast<int>(viewport->width()),
-                          static_cast<int>(viewport->height()), GL_RGBA, GL_UNSIGNED_BYTE);
+        image->readPixels(0, 0, int(viewport->width()), int(viewport->height()), GL_RGBA,
+                          GL_UNSIGNED_BYTE);
     }
 
     osg::ref_ptr<osg::Image> image;

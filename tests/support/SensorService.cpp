@@ -21,9 +21,8 @@ SensorService::SensorService(const SensorServer::Behaviour& behaviour, quint16 p
     server->moveToThread(&thread);
     thread.start();
     onServer([this, port](SensorServer& service) {
-        if (!service.listen(port)) {
+        if (!service.listen(port))
             qFatal("no port for the sensor service");
-        }
         servedPort = service.port();
     });
     Leap::setServiceAddress(urlOfPort(servedPort));
@@ -40,11 +39,13 @@ SensorService::~SensorService()
 
 bool SensorService::hasClient()
 {
-    return holdsWithin(generousLimit, [this] {
-        int focused = 0;
-        onServer([&](SensorServer& service) { focused = service.focusedCount(); });
-        return focused > 0;
-    });
+    return holdsWithin(
+        generousLimit,
+        [this] {
+            int focused = 0;
+            onServer([&](SensorServer& service) { focused = service.focusedCount(); });
+            return focused > 0;
+        });
 }
 
 void SensorService::shows(const std::vector<PlayedHand>& hands)
@@ -55,9 +56,8 @@ void SensorService::shows(const std::vector<PlayedHand>& hands)
 void SensorService::sendsFrames(int count)
 {
     onServer([&](SensorServer& service) {
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             service.sendFrame();
-        }
     });
 }
 
@@ -79,9 +79,8 @@ void SensorService::circles(double turns, bool clockwise)
 void SensorService::playsToTheEnd()
 {
     onServer([](SensorServer& service) {
-        while (service.player().isMoving()) {
+        while (service.player().isMoving())
             service.sendFrame();
-        }
     });
 }
 
@@ -159,9 +158,8 @@ bool holdsWithin(int milliseconds, const std::function<bool()>& condition)
     QElapsedTimer time;
     time.start();
     while (!condition()) {
-        if (time.elapsed() > milliseconds) {
+        if (time.elapsed() > milliseconds)
             return false;
-        }
         QThread::msleep(pollInterval);
     }
     return true;

@@ -8,11 +8,13 @@
 #include <cmath>
 
 namespace {
+
 template <typename Function>
 Function find(const char* name)
 {
     return reinterpret_cast<Function>(alcGetProcAddress(nullptr, name));
 }
+
 }  // namespace
 
 LoopbackOutput::LoopbackOutput()
@@ -34,7 +36,7 @@ LoopbackOutput::~LoopbackOutput()
 std::vector<float> LoopbackOutput::render(double seconds)
 {
     const auto frames = static_cast<ALCsizei>(std::lround(seconds * rate));
-    std::vector<float> samples(2 * static_cast<std::size_t>(frames));
+    std::vector<float> samples(2 * std::size_t(frames));
     find<LPALCRENDERSAMPLESSOFT>("alcRenderSamplesSOFT")(device, samples.data(), frames);
     return samples;
 }

@@ -1,36 +1,13 @@
 // Holds docs/levels.md, and the table in README.md, to what the game makes of the colours in them.
 
 #include "BlockWords.h"
+#include "GuideTables.h"
 
-#include <QFile>
-#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <set>
 
 namespace {
-
-QString textOf(const char* file)
-{
-    QFile source(QString(ROLLIX_SOURCE_DIR) + "/" + file);
-    EXPECT_TRUE(source.open(QIODevice::ReadOnly)) << file;
-    return QString::fromUtf8(source.readAll());
-}
-
-/// All lines that match, as their captured texts.
-std::vector<QStringList> rowsOf(const char* file, const char* pattern)
-{
-    std::vector<QStringList> rows;
-    QRegularExpressionMatchIterator matches =
-        QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(textOf(file));
-    while (matches.hasNext())
-        rows.push_back(matches.next().capturedTexts());
-    return rows;
-}
-
-// Words, hue, saturation, value, red, green, blue, and for an option the ends of its band.
-constexpr const char* guideRow =
-    R"(^\| ([^|]+) \| (\d+) \| (\d+) \| (\d+) \| (\d+), (\d+), (\d+) \|(?: (\d+) to (\d+) \|)?$)";
 
 std::string wordsOf(const LevelPixel& pixel)
 {
@@ -115,4 +92,14 @@ TEST(LevelsGuide, HasAReadmeWithTheSameColours)
         SCOPED_TRACE(row[0].toStdString());
         expectColour(row, row[1].toInt(), row[2] == "any" ? 100 : row[2].toInt(), 73, 3);
     }
+}
+
+TEST(LevelsGuide, HasAReadmeWithTheSameColoursOfHigherWalls)
+{
+    const QString readme = textOf("README.md").simplified();
+    const std::vector<QStringList> rows =
+        rowsOf("docs/levels.md", R"(^\| [\d.]+ high \| 90 \| 100 \| \d+ \| (\d+, \d+, \d+) \|$)");
+    EXPECT_EQ(rows.size(), 4u);
+    for (const QStringList& row : rows)
+        EXPECT_TRUE(readme.contains(row[1])) << row[0].toStdString();
 }

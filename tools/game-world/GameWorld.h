@@ -19,6 +19,8 @@ struct GameWorld
     /// Loads `firstLevel` as level 0 with the data/ of `home`. Needs a QApplication and a display.
     GameWorld(const QDir& home, const QImage& firstLevel,
               GameFolder::Shaders shaders = GameFolder::Shaders::Linked);
+    GameWorld(const GameWorld&) = delete;
+    GameWorld& operator=(const GameWorld&) = delete;
 
     GameFolder folder;
     OsgViewerWidget* widget;

@@ -125,6 +125,31 @@ std::string blockInWords(const LevelPixel& pixel)
     return "nothing";
 }
 
+std::string kindInWords(BlockKind kind)
+{
+    switch (kind) {
+    case BlockKind::None:
+        break;
+    case BlockKind::Standard:
+        return "floors and walls";
+    case BlockKind::Checkpoint:
+        return "flags";
+    case BlockKind::Button:
+        return "buttons";
+    case BlockKind::Ghost:
+        return "ghosts";
+    case BlockKind::Elevator:
+        return "elevators";
+    case BlockKind::Trap:
+        return "traps";
+    case BlockKind::Item:
+        return "items";
+    case BlockKind::Portal:
+        return "portals";
+    }
+    return "nothing";
+}
+
 std::string shapeInWords(const LevelPixel& pixel)
 {
     const BlockShape shape = BlockShape::ofValue(pixel.value);

@@ -30,10 +30,9 @@ double springRise(const LevelPixel& pixel)
 
 LevelMap::LevelMap(const QImage& picture) : columns(picture.width()), rows(picture.height())
 {
-    for (int row = 0; row < rows; ++row) {
+    for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
             pixels.push_back(LevelPixel::decode(picture.pixel(column, row)));
-    }
 }
 
 const LevelPixel& LevelMap::pixel(const CellPosition& cell) const
@@ -71,10 +70,9 @@ std::vector<CellPosition> LevelMap::cellsWhere(const PixelTest& is) const
 {
     std::vector<CellPosition> found;
     for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
+        for (int column = 0; column < columns; ++column)
             if (is(pixel({column, row})))
                 found.push_back({column, row});
-        }
     }
     return found;
 }
@@ -103,10 +101,9 @@ bool LevelMap::rolls(const CellPosition& from, const CellPosition& to, double dr
     if (!hasFloor(from) || !hasFloor(to))
         return false;
     for (const double fromShift : shifts(from)) {
-        for (const double toShift : shifts(to)) {
+        for (const double toShift : shifts(to))
             if (rollsAt(from, fromShift, to, toShift, drop))
                 return true;
-        }
     }
     return false;
 }
@@ -116,7 +113,7 @@ bool LevelMap::rollsAt(const CellPosition& from, double fromShift, const CellPos
 {
     if (is(from, BlockKind::Portal))
         return false;
-    if (is(to, BlockKind::Portal))
+    if (is(to, BlockKind::Portal) && !hasMouthOnTop(to))
         return entersPortal(from, to);
     const int column = to.column - from.column;
     const int row = to.row - from.row;
@@ -147,10 +144,12 @@ bool LevelMap::isDanger(const CellPosition& cell) const
 
 bool LevelMap::isNextToDanger(const CellPosition& cell) const
 {
-    return std::any_of(std::begin(steps), std::end(steps), [&](const auto& step) {
-        const CellPosition next{cell.column + step[0], cell.row + step[1]};
-        return contains(next) && isDanger(next);
-    });
+    return std::any_of(
+        std::begin(steps), std::end(steps),
+        [&](const auto& step) {
+            const CellPosition next{cell.column + step[0], cell.row + step[1]};
+            return contains(next) && isDanger(next);
+        });
 }
 
 bool LevelMap::isSpring(const CellPosition& cell) const
@@ -211,10 +210,9 @@ std::vector<CellPosition> LevelMap::crossings(const CellPosition& portal) const
     for (const CellPosition& partner : cellsWhere([&](const LevelPixel& other) {
              return blockKindOfHue(other.hue) == BlockKind::Portal &&
                     other.alpha == pixel(portal).alpha;
-         })) {
+         }))
         if (!(partner == portal) && hasFloor(beforeMouth(partner)))
             ends.push_back(beforeMouth(partner));
-    }
     return ends;
 }
 
@@ -243,6 +241,17 @@ std::vector<CellPosition> LevelMap::leaps(const CellPosition& from) const
     return {};
 }
 
+std::vector<CellPosition> LevelMap::next(const CellPosition& from, double drop) const
+{
+    std::vector<CellPosition> reachable = leaps(from);
+    for (const auto& step : steps) {
+        const CellPosition beside{from.column + step[0], from.row + step[1]};
+        if (contains(beside) && rolls(from, beside, drop))
+            reachable.push_back(beside);
+    }
+    return reachable;
+}
+
 bool LevelMap::climbs(const CellPosition& from, const CellPosition& to) const
 {
     const int column = std::clamp(to.column - from.column, -1, 1);
@@ -268,17 +277,11 @@ std::vector<CellPosition> LevelMap::way(const CellPosition& from, const CellPosi
     while (!open.empty() && cameFrom[index(to)] < 0) {
         const CellPosition cell = open.front();
         open.pop_front();
-        std::vector<CellPosition> reachable = leaps(cell);
-        for (const auto& step : steps) {
-            const CellPosition next{cell.column + step[0], cell.row + step[1]};
-            if (contains(next) && rolls(cell, next, drop))
-                reachable.push_back(next);
-        }
-        for (const CellPosition& next : reachable) {
-            if (cameFrom[index(next)] >= 0 || !allowed(cell, next))
+        for (const CellPosition& reached : next(cell, drop)) {
+            if (cameFrom[index(reached)] >= 0 || !allowed(cell, reached))
                 continue;
-            cameFrom[index(next)] = int(index(cell));
-            open.push_back(next);
+            cameFrom[index(reached)] = int(index(cell));
+            open.push_back(reached);
         }
     }
     if (cameFrom[index(to)] < 0)

@@ -52,6 +52,10 @@ public:
     std::vector<CellPosition> way(const CellPosition& from, const CellPosition& to,
                                   const StepFilter& allowed, double drop = 0.05) const;
 
+    /// Where a ball in this cell can be next: in a neighbouring cell that it can roll to, before
+    /// the mouth of a portal's partner, at the far edge of a chasm that a weight carries it over.
+    std::vector<CellPosition> next(const CellPosition& from, double drop) const;
+
     /// Whether a ball can roll from a cell on to its neighbour, by the heights of their edges: at
     /// either end of an elevator's travel, up an edge from a spring, into a portal by its mouth.
     bool rolls(const CellPosition& from, const CellPosition& to, double drop) const;

@@ -1,9 +1,14 @@
 #include "LevelReport.h"
 
 #include "BlockWords.h"
+#include "PictureFaults.h"
 #include "level/BlockOptions.h"
 #include "level/BlockShape.h"
+#include "level/PictureFile.h"
 
+#include <QImageReader>
+
+#include <algorithm>
 #include <ostream>
 #include <sstream>
 
@@ -13,19 +18,43 @@ constexpr int sound = 0;
 constexpr int doubtful = 1;
 constexpr int unreadable = 2;
 
-constexpr double anyDrop = 10.0;  // a ball may fall as deep as it likes
+constexpr int widestBoard = 40;        // cells: the ground is ten units under the board
+constexpr std::size_t mostFlags = 50;  // whose order is judged
 
-std::string place(const CellPosition& cell)
+CheckpointOption checkpointOf(const LevelPixel& pixel)
 {
-    std::ostringstream text;
-    text << "column " << cell.column << ", row " << cell.row;
-    return text.str();
+    return CheckpointOption::ofSaturation(pixel.saturation);
 }
 
 bool isCheckpoint(const LevelPixel& pixel, CheckpointType type)
 {
-    return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint &&
-           CheckpointOption::ofSaturation(pixel.saturation).type == type;
+    return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && checkpointOf(pixel).type == type;
+}
+
+bool isStart(const LevelPixel& pixel)
+{
+    return isCheckpoint(pixel, CheckpointType::Start);
+}
+
+bool isGoal(const LevelPixel& pixel)
+{
+    return isCheckpoint(pixel, CheckpointType::Goal);
+}
+
+bool isRequiredFlag(const LevelPixel& pixel)
+{
+    return blockKindOfHue(pixel.hue) == BlockKind::Checkpoint && !isStart(pixel) &&
+           !isGoal(pixel) && checkpointOf(pixel).required;
+}
+
+bool isButton(const LevelPixel& pixel)
+{
+    return blockKindOfHue(pixel.hue) == BlockKind::Button;
+}
+
+bool isPortal(const LevelPixel& pixel)
+{
+    return blockKindOfHue(pixel.hue) == BlockKind::Portal;
 }
 
 bool listens(const LevelPixel& pixel)
@@ -46,26 +75,81 @@ bool waitsForButtons(const LevelPixel& pixel)
     }
 }
 
-bool isButton(const LevelPixel& pixel)
+/// What a ball shall come to.
+bool isTarget(const LevelPixel& pixel)
 {
-    return blockKindOfHue(pixel.hue) == BlockKind::Button;
+    const BlockKind kind = blockKindOfHue(pixel.hue);
+    return kind == BlockKind::Button || kind == BlockKind::Item ||
+           (kind == BlockKind::Checkpoint && !isStart(pixel));
+}
+
+std::string groupInWords(const LevelPixel& pixel)
+{
+    return "group " + std::to_string(pixel.alpha);
+}
+
+/// "a jump (5.5 units a second) at column 3, row 4" for every feat of one kind; empty for none.
+std::vector<std::string> feats(const std::vector<Stride>& way)
+{
+    std::vector<std::string> lines;
+    for (std::size_t i = 1; i < way.size(); ++i) {
+        const std::string from = " at " + placeInWords(way[i - 1].cell);
+        if (way[i].by == Move::Jump)
+            lines.push_back("a jump over the hole after a run" + from);
+        else if (way[i].by == Move::Throw)
+            lines.push_back("a throw" + from);
+        else if (way[i].by == Move::Float)
+            lines.push_back("a flight without gravity" + from);
+    }
+    return lines;
+}
+
+void print(const std::vector<std::string>& lines, const char* before, std::ostream& out)
+{
+    for (const std::string& line : lines)
+        out << "  " << before << line << std::endl;
+}
+
+int reportPicture(const std::string& file, const QImage& picture, const std::string& format,
+                  bool onlyWarnings, std::ostream& out)
+{
+    const std::string refusal = refusalOf(file, picture);
+    if (!refusal.empty()) {
+        out << refusal << std::endl;
+        print(pictureFaults(picture, format), "warning: ", out);
+        return doubtful;
+    }
+    const LevelReport report(picture, format);
+    const std::vector<std::string> warnings = report.warnings();
+    out << file << ": " << report.summary() << std::endl;
+    if (!onlyWarnings)
+        print(report.blocks(), "", out);
+    print(warnings, "warning: ", out);
+    if (!onlyWarnings) {
+        print(report.ways(), "", out);
+        out << "  (judged from the picture, by the figures of docs/levels.md)" << std::endl;
+    }
+    return warnings.empty() ? sound : doubtful;
 }
 
 }  // namespace
 
-LevelReport::LevelReport(const QImage& picture) : map(picture)
+LevelReport::LevelReport(const QImage& picture, const std::string& format)
+    : map(picture), spoiled(pictureFaults(picture, format))
 {
-    const auto built = [this](CheckpointType type) {
-        Cells cells;
-        for (const CellPosition& cell : map.cellsWhere(
-                 [type](const LevelPixel& pixel) { return isCheckpoint(pixel, type); })) {
-            if (map.hasFloor(cell))
-                cells.push_back(cell);
-        }
+    const auto built = [this](const LevelMap::PixelTest& test) {
+        Cells cells = map.cellsWhere(test);
+        cells.erase(
+            std::remove_if(cells.begin(), cells.end(),
+                           [this](const CellPosition& cell) { return !map.hasFloor(cell); }),
+            cells.end());
         return cells;
     };
-    starts = built(CheckpointType::Start);
-    goals = built(CheckpointType::Goal);
+    starts = built(isStart);
+    flags = built(isRequiredFlag);
+    goals = built(isGoal);
+    if (spoiled.empty() && !starts.empty())
+        levelWays.emplace(map, starts.back());
 }
 
 LevelReport::Cells LevelReport::ofKind(BlockKind kind) const
@@ -75,12 +159,13 @@ LevelReport::Cells LevelReport::ofKind(BlockKind kind) const
     });
 }
 
-bool LevelReport::groupHas(int alpha, const LevelMap::PixelTest& test) const
+std::map<int, int> LevelReport::groupsWith(const LevelMap::PixelTest& test) const
 {
-    return !map.cellsWhere([&](const LevelPixel& pixel) {
-                   return pixel.value > 0 && pixel.alpha == alpha && test(pixel);
-               })
-                .empty();
+    std::map<int, int> counts;
+    for (const CellPosition& cell : map.cellsWhere(test))
+        if (map.hasFloor(cell))
+            ++counts[map.pixel(cell).alpha];
+    return counts;
 }
 
 std::string LevelReport::summary() const
@@ -92,12 +177,13 @@ std::string LevelReport::summary() const
             .size();
     const std::size_t plain = ofKind(BlockKind::Standard).size();
     std::ostringstream text;
-    text << map.width() << " x " << map.height() << " cells: " << plain << " floors and walls, "
-         << all - plain << " other blocks";
+    text << map.width() << " x " << map.height() << " cells (columns 0 to " << map.width() - 1
+         << ", rows 0 to " << map.height() - 1 << " from the upper left): " << plain
+         << " floors and walls, " << all - plain << " other blocks";
     return text.str();
 }
 
-std::vector<std::string> LevelReport::blocks() const
+LevelReport::Lines LevelReport::blocks() const
 {
     Lines lines;
     for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
@@ -105,41 +191,32 @@ std::vector<std::string> LevelReport::blocks() const
              return pixel.value > 0 && kind != BlockKind::None && kind != BlockKind::Standard;
          })) {
         const LevelPixel& pixel = map.pixel(cell);
-        lines.push_back(place(cell) + ": " + blockInWords(pixel) + "; " + shapeInWords(pixel) +
-                        "; group " + std::to_string(pixel.alpha));
+        lines.push_back(placeInWords(cell) + ": " + blockInWords(pixel) + "; " +
+                        shapeInWords(pixel) + "; " + groupInWords(pixel));
     }
     return lines;
 }
 
-std::vector<std::string> LevelReport::warnings() const
+LevelReport::Lines LevelReport::warnings() const
 {
-    Lines lines;
-    warnOfPixels(lines);
+    if (!spoiled.empty())
+        return spoiled;
+    Lines lines = pixelFaults(map);
+    warnOfSize(lines);
     warnOfStartAndGoal(lines);
     warnOfGroups(lines);
+    warnOfPortals(lines);
     warnOfWays(lines);
+    warnOfOrder(lines);
     return lines;
 }
 
-void LevelReport::warnOfPixels(Lines& lines) const
+void LevelReport::warnOfSize(Lines& lines) const
 {
-    for (const CellPosition& cell :
-         map.cellsWhere([](const LevelPixel& pixel) { return pixel.value > 0; })) {
-        const LevelPixel& pixel = map.pixel(cell);
-        if (pixel.hue < 0)
-            lines.push_back(place(cell) + ": a grey makes no block");
-        else if (blockKindOfHue(pixel.hue) == BlockKind::None)
-            lines.push_back(place(cell) + ": no kind of block has hue " +
-                            std::to_string(pixel.hue));
-        else if (!map.hasFloor(cell))
-            lines.push_back(place(cell) + ": " + blockInWords(pixel) + " of value " +
-                            std::to_string(pixel.value) + ", and under " +
-                            std::to_string(firstBodyValue) + " there is no body");
-        else if (blockKindOfHue(pixel.hue) == BlockKind::Trap &&
-                 TrapOption::ofSaturation(pixel.saturation).kind == TrapKind::None)
-            lines.push_back(place(cell) + ": a trap of saturation " +
-                            std::to_string(pixel.saturation) + " does nothing");
-    }
+    if (std::max(map.width(), map.height()) > widestBoard)
+        lines.push_back("wider than " + std::to_string(widestBoard) +
+                        " cells, the board meets the ground before its 30 degrees, and a ball on "
+                        "that rim is lost");
 }
 
 void LevelReport::warnOfStartAndGoal(Lines& lines) const
@@ -148,68 +225,167 @@ void LevelReport::warnOfStartAndGoal(Lines& lines) const
         lines.emplace_back("there is no start, so the ball falls through the middle");
     else if (starts.size() > 1)
         lines.push_back("there are " + std::to_string(starts.size()) +
-                        " starts, and the last one counts: " + place(starts.back()));
+                        " starts, and the last one counts: " + placeInWords(starts.back()));
     if (goals.empty())
         lines.emplace_back("there is no goal, so the level cannot be won");
 }
 
 void LevelReport::warnOfGroups(Lines& lines) const
 {
+    const std::map<int, int> listening = groupsWith(listens);
+    const std::map<int, int> pressing = groupsWith(isButton);
+    Complaints complaints;
     for (const CellPosition& cell : ofKind(BlockKind::Button)) {
-        if (!groupHas(map.pixel(cell).alpha, listens))
-            lines.push_back(place(cell) + ": no ghost and no elevator of group " +
-                            std::to_string(map.pixel(cell).alpha) + " listens to this button");
+        const std::string group = groupInWords(map.pixel(cell));
+        if (!listening.count(map.pixel(cell).alpha))
+            complaints.add(cell, "unheard " + group,
+                           "no ghost and no elevator of " + group +
+                               " listens to this button; give them the button's alpha");
     }
     for (const CellPosition& cell : map.cellsWhere(waitsForButtons)) {
-        if (!groupHas(map.pixel(cell).alpha, isButton))
-            lines.push_back(place(cell) + ": " + blockInWords(map.pixel(cell)) +
-                            ", and there is none in group " +
-                            std::to_string(map.pixel(cell).alpha));
+        const LevelPixel& pixel = map.pixel(cell);
+        const std::string block = blockInWords(pixel);
+        if (!pressing.count(pixel.alpha))
+            complaints.add(cell, block + groupInWords(pixel),
+                           block + ", and there is none in " + groupInWords(pixel) +
+                               "; give one this alpha");
+        else if (levelWays && !levelWays->openingButtons().count(pixel.alpha))
+            complaints.add(cell, "out of reach " + groupInWords(pixel),
+                           block + ", and the ball can come to no button of " +
+                               groupInWords(pixel) + " before");
     }
+    complaints.appendTo(lines);
+}
+
+void LevelReport::warnOfPortals(Lines& lines) const
+{
+    const std::map<int, int> mates = groupsWith(isPortal);
+    Complaints complaints;
     for (const CellPosition& cell : ofKind(BlockKind::Portal)) {
-        const int alpha = map.pixel(cell).alpha;
-        const Cells mates = map.cellsWhere([alpha](const LevelPixel& pixel) {
-            return blockKindOfHue(pixel.hue) == BlockKind::Portal && pixel.alpha == alpha;
-        });
-        if (mates.size() < 2)
-            lines.push_back(place(cell) + ": the only portal of group " + std::to_string(alpha) +
-                            " leads nowhere");
+        if (!map.hasFloor(cell))
+            continue;
+        const std::string group = groupInWords(map.pixel(cell));
+        if (mates.at(map.pixel(cell).alpha) < 2)
+            complaints.add(cell, "alone " + group,
+                           "the only portal of " + group +
+                               " leads nowhere; give another one this alpha");
+        else if (!map.hasMouthOnTop(cell))
+            warnOfMouth(cell, complaints);
     }
+    complaints.appendTo(lines);
+}
+
+void LevelReport::warnOfMouth(const CellPosition& portal, Complaints& complaints) const
+{
+    const CellPosition before = map.beforeMouth(portal);
+    if (!map.hasFloor(before)) {
+        complaints.add(portal, "no floor",
+                       "a portal without floor before its mouth; nothing comes in or out");
+        return;
+    }
+    const double floor =
+        map.edgeHeight(before, portal.column - before.column, portal.row - before.row);
+    if (!map.is(before, BlockKind::Elevator) &&
+        floor >= BlockShape::ofValue(map.pixel(portal).value).highHeight)
+        complaints.add(portal, "low",
+                       "a portal no higher than the floor before its mouth, which nobody sees or "
+                       "enters; make it half a unit higher");
 }
 
 void LevelReport::warnOfWays(Lines& lines) const
 {
-    if (starts.empty())
+    if (!levelWays)
         return;
-    const LevelMap::StepFilter any = [](const CellPosition&, const CellPosition&) {
-        return true;
-    };
-    for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
-             const BlockKind kind = blockKindOfHue(pixel.hue);
-             return kind == BlockKind::Button || kind == BlockKind::Item ||
-                    (kind == BlockKind::Checkpoint && !isCheckpoint(pixel, CheckpointType::Start));
-         })) {
-        if (map.hasFloor(cell) && map.way(starts.back(), cell, any, anyDrop).empty())
-            lines.push_back(place(cell) + ": " + blockInWords(map.pixel(cell)) +
-                            ", and no way leads there from the start");
+    Complaints complaints;
+    for (const CellPosition& cell : map.cellsWhere(isTarget)) {
+        const std::string block = blockInWords(map.pixel(cell));
+        if (map.hasFloor(cell) && !levelWays->reaches(cell))
+            complaints.add(cell, block, block + ", and no way leads there from the start");
     }
+    complaints.appendTo(lines);
+}
+
+/// The flags that must be passed, in an order in which each leads on to the next if any order does:
+/// those that lead to more of the others come first.
+LevelReport::Cells LevelReport::inOrder() const
+{
+    std::vector<std::pair<std::ptrdiff_t, CellPosition>> ranked;
+    for (const CellPosition& flag : flags) {
+        const std::vector<bool> reached = levelWays->reachedFrom(flag, flags);
+        ranked.emplace_back(std::count(reached.begin(), reached.end(), true), flag);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    Cells ordered;
+    for (const auto& [rank, flag] : ranked)
+        ordered.push_back(flag);
+    return ordered;
+}
+
+/// A ball that has touched a flag comes back to it after every fall.
+void LevelReport::warnOfOrder(Lines& lines) const
+{
+    if (!levelWays || flags.empty() || flags.size() > mostFlags)
+        return;
+    const Cells ordered = inOrder();
+    for (std::size_t i = 0; i + 1 < ordered.size(); ++i) {
+        if (!levelWays->reachedFrom(ordered[i], {ordered[i + 1]}).front())
+            lines.push_back(placeInWords(ordered[i]) +
+                            ": from this flag no way leads to the one at " +
+                            placeInWords(ordered[i + 1]) + ", nor back, and both must be passed");
+    }
+    const std::vector<bool> reached = levelWays->reachedFrom(ordered.back(), goals);
+    if (!goals.empty() && std::none_of(reached.begin(), reached.end(), [](bool is) { return is; }))
+        lines.push_back(placeInWords(ordered.back()) +
+                        ": from this flag, which must be passed, no way leads on to the goal");
+}
+
+LevelReport::Lines LevelReport::ways() const
+{
+    if (!levelWays || goals.empty() || flags.size() > mostFlags)
+        return {};
+    Lines lines;
+    std::size_t length = 1;
+    Cells stations = inOrder();
+    CellPosition here = starts.back();
+    stations.push_back(goals.front());
+    for (const CellPosition& station : stations) {
+        const std::vector<Stride> way = levelWays->way(here, station);
+        if (way.empty())
+            return {};
+        length += way.size() - 1;
+        const Lines taken = feats(way);
+        lines.insert(lines.end(), taken.begin(), taken.end());
+        here = station;
+    }
+    const std::map<int, int> waiting = groupsWith(waitsForButtons);
+    for (const auto& [alpha, button] : levelWays->openingButtons()) {
+        if (waiting.count(alpha))
+            lines.push_back("the button at " + placeInWords(button) + ", for group " +
+                            std::to_string(alpha));
+    }
+    const std::string intro =
+        "a way of " + std::to_string(length) + " cells leads by all flags to the goal";
+    if (lines.empty())
+        return {intro};
+    lines.insert(lines.begin(), intro + ", and takes:");
+    return lines;
 }
 
 int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out)
 {
-    const QImage picture(QString::fromStdString(file));
+    QImageReader reader(QString::fromStdString(file));
+    reader.setDecideFormatFromContent(true);
+    const std::string tooLarge = refusalOf(file, reader.size());
+    if (!tooLarge.empty()) {
+        out << tooLarge << std::endl;
+        return doubtful;
+    }
+    const std::string format = reader.format().toStdString();
+    const QImage picture = reader.read();
     if (picture.isNull()) {
         out << file << ": this is no picture that I can read" << std::endl;
         return unreadable;
     }
-    const LevelReport report(picture);
-    out << file << ": " << report.summary() << std::endl;
-    if (!onlyWarnings) {
-        for (const std::string& line : report.blocks())
-            out << "  " << line << std::endl;
-    }
-    const std::vector<std::string> warnings = report.warnings();
-    for (const std::string& line : warnings)
-        out << "  warning: " << line << std::endl;
-    return warnings.empty() ? sound : doubtful;
+    return reportPicture(file, picture, format, onlyWarnings, out);
 }

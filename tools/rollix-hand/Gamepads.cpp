@@ -11,8 +11,8 @@ namespace {
 QVector2D stickOf(SDL_GameController* pad, SDL_GameControllerAxis x, SDL_GameControllerAxis y)
 {
     constexpr float farthest = 32767.0f;
-    return QVector2D(static_cast<float>(SDL_GameControllerGetAxis(pad, x)) / farthest,
-                     static_cast<float>(-SDL_GameControllerGetAxis(pad, y)) / farthest);
+    return QVector2D(float(SDL_GameControllerGetAxis(pad, x)) / farthest,
+                     float(-SDL_GameControllerGetAxis(pad, y)) / farthest);
 }
 
 int idOf(SDL_GameController* pad)

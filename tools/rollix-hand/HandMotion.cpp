@@ -33,7 +33,7 @@ QVector3D approached(const QVector3D& from, const QVector3D& to, float share, fl
 
 HandMotion::HandMotion(int framesPerSecond_)
     : framesPerSecond(framesPerSecond_),
-      share(1.0f - std::exp(-1.0f / (static_cast<float>(framesPerSecond_) * smoothing)))
+      share(1.0f - std::exp(-1.0f / (float(framesPerSecond_) * smoothing)))
 {
 }
 
@@ -120,5 +120,5 @@ void HandMotion::moveTowards(const QVector3D& wantedPose, const QVector3D& wante
 
 bool HandMotion::isCalmFor(float seconds) const
 {
-    return static_cast<float>(calmFrames) >= seconds * static_cast<float>(framesPerSecond);
+    return float(calmFrames) >= seconds * float(framesPerSecond);
 }

@@ -50,7 +50,7 @@ QSize HandPad::sizeHint() const
 bool HandPad::follow()
 {
     const QPoint way = pointer.motion();
-    hand.move(QVector2D(static_cast<float>(way.x()), static_cast<float>(-way.y())));
+    hand.move(QVector2D(float(way.x()), float(-way.y())));
     return !way.isNull();
 }
 
@@ -157,7 +157,7 @@ void HandPad::paintGround(QPainter& painter) const
     constexpr int cell = 50;
     painter.setPen(QPen(grid, 1.0));
     for (int at = -reach; at <= reach; at += cell) {
-        const auto line = static_cast<float>(at);
+        const auto line = float(at);
         painter.drawLine(project({line, 0, -reach}), project({line, 0, reach}));
         painter.drawLine(project({-reach, 0, line}), project({reach, 0, line}));
     }
@@ -177,9 +177,8 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& shownHand) const
     const QQuaternion pose = shownHand.orientation();
     QPolygonF board;
     for (const QVector3D& corner : {QVector3D(-95, 0, -125), QVector3D(95, 0, -125),
-                                    QVector3D(95, 0, 75), QVector3D(-95, 0, 75)}) {
+                                    QVector3D(95, 0, 75), QVector3D(-95, 0, 75)})
         board << project(shownHand.palm + pose.rotatedVector(corner));
-    }
     QColor glass = wood;
     glass.setAlpha(50);
     painter.setPen(QPen(wood, 1.2));
@@ -192,14 +191,12 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& shownHand) const
     std::vector<QPainterPath> fingers;
     for (int number = 0; number < fingerCount; ++number) {
         const auto joints = fingerJoints(shownHand, number);
-        if (number == 0) {
+        if (number == 0)
             palm << project(joints[0]);
-        }
         palm << project(joints[1]);
         QPainterPath path(project(joints[1]));
-        for (std::size_t joint = 2; joint < joints.size(); ++joint) {
+        for (std::size_t joint = 2; joint < joints.size(); ++joint)
             path.lineTo(project(joints[joint]));
-        }
         fingers.push_back(path);
     }
     palm << project(fingerJoints(shownHand, fingerCount - 1)[0]);
@@ -213,8 +210,7 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& shownHand) const
         painter.setBrush(pen.color());
         painter.drawPath(whole);
         painter.setBrush(Qt::NoBrush);
-        for (const QPainterPath& path : fingers) {
+        for (const QPainterPath& path : fingers)
             painter.drawPath(path);
-        }
     }
 }

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <QApplication>
+#include <QIcon>
 #include <QScreen>
 
 #include <algorithm>
@@ -61,6 +62,8 @@ int savePicture(HandWindow& window, const QString& file)
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    QApplication::setDesktopFileName("rollix-hand");
+    QApplication::setWindowIcon(QIcon(":/rollix-hand.png"));
 
     CLI::App options(
         "Brings up Rollix with a hand beside it, which the mouse or a gamepad moves: the hand "

@@ -2,7 +2,9 @@
 
 #include "FrameGrab.h"
 #include "GameWorld.h"
+#include "base/DataFolder.h"
 #include "frame/GameLoop.h"
+#include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
 #include "hand/HandCamera.h"
 
@@ -12,11 +14,14 @@
 
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 namespace {
 
 constexpr int millisecondsPerTick = 20;
+constexpr int mostTicks = 30000;   // ten minutes
+constexpr int largestSide = 8192;  // pixels
 
 struct Wish
 {
@@ -26,7 +31,29 @@ struct Wish
     std::vector<float> center;
     float distance = 0.0f;
     float height = 0.0f;
+    std::vector<int> size;
     std::vector<int> crop;
+};
+
+/// Keeps the game from telling of level 0, which nobody asked for. Its complaints are told.
+class QuietGame
+{
+public:
+    QuietGame() : before(std::cout.rdbuf(said.rdbuf())) {}
+    ~QuietGame()
+    {
+        std::cout.rdbuf(before);
+        for (std::string line; std::getline(said, line);)
+            if (line.rfind("I ", 0) == 0)
+                std::cout << line << std::endl;
+    }
+
+    QuietGame(const QuietGame&) = delete;
+    QuietGame& operator=(const QuietGame&) = delete;
+
+private:
+    std::stringstream said;
+    std::streambuf* before;
 };
 
 int refuse(const std::string& reason)
@@ -70,12 +97,24 @@ QImage middleOf(const QImage& frame, const std::vector<int>& size)
                       size[1]);
 }
 
+QImage photograph(const QDir& home, const QImage& level, const Wish& wish)
+{
+    const QuietGame quiet;
+    const GameWorld world(home, level);
+    if (!wish.size.empty())
+        world.widget->resize(wish.size[0], wish.size[1]);
+    aim(*world.game, wish);
+    const FrameGrab grab(world.game->getCamera());
+    play(wish.ticks);
+    return middleOf(grab.image(), wish.crop);
+}
+
 int takePicture(const Wish& wish)
 {
     const QImage level(QString::fromStdString(wish.level));
     if (level.isNull())
         return refuse(wish.level + ": this is no picture that I can read");
-    const QDir home = QDir::current();
+    const QDir home(QDir(QString::fromStdString(DataFolder::find().string())).absolutePath());
     if (!GameFolder(home).isFilled())
         return refuse(home.filePath("data").toStdString() +
                       ": the game's files are not here; start me in the folder that holds data/");
@@ -87,13 +126,13 @@ int takePicture(const Wish& wish)
     QApplication application(argumentCount, arguments);
     qInstallMessageHandler(before);
 
-    const GameWorld world(home, level);
-    aim(*world.game, wish);
-    const FrameGrab grab(world.game->getCamera());
-    play(wish.ticks);
+    const QImage frame = photograph(home, level, wish);
     const QString target = home.absoluteFilePath(QString::fromStdString(wish.picture));
-    if (!middleOf(grab.image(), wish.crop).save(target))
+    if (!frame.save(target))
         return refuse(wish.picture + ": I cannot write this picture");
+    std::cout << wish.level << ": " << level.width() << " x " << level.height()
+              << " cells, shown in " << wish.picture << ", " << frame.width() << " x "
+              << frame.height() << " pixels" << std::endl;
     return 0;
 }
 
@@ -109,11 +148,17 @@ void addViewCommand(CLI::App& program, int& result)
     command->add_option("level", wish->level, "The picture of the level")->required();
     command->add_option("picture", wish->picture, "Where to save what the game shows")->required();
     command->add_option("--ticks", wish->ticks, "How long it runs before, 50 a second")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(CLI::Range(1, mostTicks));
     command->add_option("--center", wish->center, "Point of the world to look at")->expected(3);
     command->add_option("--distance", wish->distance, "The camera's distance along the ground");
     command->add_option("--height", wish->height, "The camera's height");
+    command->add_option("--size", wish->size, "Width and height of the window, in pixels")
+        ->expected(2)
+        ->check(CLI::Range(1, largestSide))
+        ->default_str("800 600");
     command->add_option("--crop", wish->crop, "Width and height of the frame's middle to save")
-        ->expected(2);
+        ->expected(2)
+        ->check(CLI::Range(1, largestSide));
     command->callback([wish, &result] { result = takePicture(*wish); });
 }

@@ -1,5 +1,10 @@
 #include "CheckCommand.h"
+#include "PaletteCommand.h"
+#include "TryCommand.h"
 #include "ViewCommand.h"
+#ifdef ROLLIX_HAS_PLAYERS
+#include "PlayCommand.h"
+#endif
 
 #include <CLI/CLI.hpp>
 
@@ -10,7 +15,12 @@ int main(int argc, char** argv)
     program.require_subcommand(1);
     int result = 0;
     addCheckCommand(program, result);
+    addPaletteCommand(program, result);
+    addTryCommand(program, result);
     addViewCommand(program, result);
+#ifdef ROLLIX_HAS_PLAYERS
+    addPlayCommand(program, result);
+#endif
     CLI11_PARSE(program, argc, argv);
     return result;
 }

@@ -20,9 +20,8 @@ constexpr double fingerWidth = 18.0;
 // Six digits, as the service writes them.
 double digits(double value)
 {
-    if (value == 0.0 || !std::isfinite(value)) {
+    if (value == 0.0 || !std::isfinite(value))
         return 0.0;
-    }
     const double scale = std::pow(10.0, 5 - std::floor(std::log10(std::fabs(value))));
     return std::round(value * scale) / scale;
 }
@@ -68,7 +67,7 @@ QJsonObject handObject(const PlayedHand& hand, qint64 timestamp)
         {"sphereRadius", 80},
         {"stabilizedPalmPosition", array(hand.palm)},
         {"t", array(hand.palm)},
-        {"timeVisible", digits(static_cast<double>(timestamp) * 1e-6)},
+        {"timeVisible", digits(double(timestamp) * 1e-6)},
         {"type", hand.isLeft ? "left" : "right"},
         {"wrist", array(wrist)},
     };
@@ -88,11 +87,11 @@ QJsonObject pointableObject(const PlayedHand& hand, int finger, qint64 timestamp
         {"extended", true},
         {"handId", hand.id},
         {"id", pointableId(hand.id, finger)},
-        {"length", digits(static_cast<double>((joints[4] - joints[1]).length()))},
+        {"length", digits(double((joints[4] - joints[1]).length()))},
         {"mcpPosition", array(joints[1])},
         {"pipPosition", array(joints[2])},
         {"stabilizedTipPosition", array(tip)},
-        {"timeVisible", digits(static_cast<double>(timestamp) * 1e-6)},
+        {"timeVisible", digits(double(timestamp) * 1e-6)},
         {"tipPosition", array(tip)},
         {"tipVelocity", array({0, 0, 0})},
         {"tool", false},
@@ -159,9 +158,8 @@ QByteArray frameMessage(const PlayedFrame& frame)
     QJsonArray pointables;
     for (const PlayedHand& hand : frame.hands) {
         hands.append(handObject(hand, frame.timestamp));
-        for (int finger = 0; finger < fingerCount; ++finger) {
+        for (int finger = 0; finger < fingerCount; ++finger)
             pointables.append(pointableObject(hand, finger, frame.timestamp));
-        }
     }
     QJsonObject object{
         {"currentFrameRate", digits(frame.frameRate)},
@@ -178,9 +176,8 @@ QByteArray frameMessage(const PlayedFrame& frame)
     };
     if (frame.tellsGestures) {
         QJsonArray gestures;
-        for (const PlayedGesture& gesture : frame.gestures) {
+        for (const PlayedGesture& gesture : frame.gestures)
             gestures.append(gestureObject(gesture));
-        }
         object["gestures"] = gestures;
     }
     return text(object);

@@ -15,9 +15,9 @@ struct PlayedGesture
     int id = 1;
     const char* state = "stop";
     int handId = 1;
-    qint64 duration = 10000;  ///< us
+    qint64 duration = 10000;  // us
     QVector3D normal{0, 0, -1};
-    QVector3D place;  ///< a circle's centre, a tap's turning point
+    QVector3D place;  // a circle's centre, a tap's turning point
     double progress = 1.0;
     double radius = 0.0;
 };
@@ -25,11 +25,11 @@ struct PlayedGesture
 struct PlayedFrame
 {
     qint64 id = 1;
-    qint64 timestamp = 0;  ///< us
+    qint64 timestamp = 0;  // us
     double frameRate = 0.0;
     std::vector<PlayedHand> hands;
     std::vector<PlayedGesture> gestures;
-    bool tellsGestures = true;  ///< newer services leave the whole list out
+    bool tellsGestures = true;  // newer services leave the whole list out
 };
 
 /// The number of a hand's finger in the frames written here.

@@ -6,10 +6,10 @@ namespace {
 
 struct Finger
 {
-    float aside;  ///< of a right hand's knuckle, mm to the right of the palm's middle
+    float aside;  // of a right hand's knuckle, mm to the right of the palm's middle
     float knuckle;
-    float reach;   ///< mm from the palm's middle to the tip
-    float spread;  ///< mm that the tip is farther aside than the knuckle
+    float reach;   // mm from the palm's middle to the tip
+    float spread;  // mm that the tip is farther aside than the knuckle
 };
 
 // A grown-up's hand, fingers a little apart.
@@ -37,10 +37,8 @@ std::array<QVector3D, 5> fingerJoints(const PlayedHand& hand, int number)
         joints[2 + bone] = place(finger.aside + shares[bone] * finger.spread,
                                  finger.knuckle + shares[bone] * (finger.reach - finger.knuckle));
     }
-    if (number == indexFinger) {
-        for (int bone = 0; bone < 3; ++bone) {
+    if (number == indexFinger)
+        for (int bone = 0; bone < 3; ++bone)
             joints[2 + bone] += hand.tipOffset * shares[bone];
-        }
-    }
     return joints;
 }

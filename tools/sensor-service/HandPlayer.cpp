@@ -74,10 +74,9 @@ bool HandPlayer::moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& fram
     const double before = movement.time - frameTime() - restTime;
     const double time = movement.time - restTime;
     const double depth = 1.0 - std::fabs(std::clamp(time, 0.0, 2.0 * pokeTime) / pokeTime - 1.0);
-    hand.tipOffset = QVector3D(0.0f, 0.0f, -pokeDepth * static_cast<float>(depth));
-    if (before < 2.0 * pokeTime && time >= 2.0 * pokeTime) {
+    hand.tipOffset = QVector3D(0.0f, 0.0f, -pokeDepth * float(depth));
+    if (before < 2.0 * pokeTime && time >= 2.0 * pokeTime)
         frame.gestures.push_back(report(movement, hand, "stop"));
-    }
     return time < 2.0 * pokeTime + restTime;
 }
 
@@ -86,18 +85,17 @@ bool HandPlayer::moveCircle(Movement& movement, PlayedHand& hand, PlayedFrame& f
     const double step = frameTime() / turnTime;
     const double turned = (movement.time - restTime) / turnTime;
     const double before = turned - step;
-    const auto angle = static_cast<float>(2.0 * pi * std::clamp(turned, 0.0, movement.turns));
+    const auto angle = float(2.0 * pi * std::clamp(turned, 0.0, movement.turns));
     const float sense = movement.clockwise ? 1.0f : -1.0f;
     const double back = movement.time - restTime - movement.turns * turnTime -
                         restTime;  // s since the way back began
-    const auto away = static_cast<float>(1.0 - std::clamp(back / returnTime, 0.0, 1.0));
+    const auto away = float(1.0 - std::clamp(back / returnTime, 0.0, 1.0));
     hand.tipOffset =
         QVector3D(sense * std::sin(angle), std::cos(angle) - 1.0f, 0.0f) * radius * away;
 
     if (before < movement.turns && turned >= movement.turns) {
-        if (movement.turns >= startProgress) {
+        if (movement.turns >= startProgress)
             frame.gestures.push_back(report(movement, hand, "stop"));
-        }
     } else if (turned >= startProgress && turned < movement.turns) {
         frame.gestures.push_back(
             report(movement, hand, before < startProgress ? "start" : "update"));
@@ -113,13 +111,13 @@ PlayedGesture HandPlayer::report(const Movement& movement, const PlayedHand& han
     gesture.id = gestures;
     gesture.state = state;
     gesture.handId = hand.id;
-    gesture.duration = static_cast<qint64>((movement.time - restTime) / pace * 1e6);
+    gesture.duration = qint64((movement.time - restTime) / pace * 1e6);
     gesture.place = hand.indexTip();
     if (movement.type == PlayedGesture::Type::Circle) {
         gesture.place -= hand.tipOffset + QVector3D(0.0f, radius, 0.0f);
         gesture.normal = QVector3D(0.0f, 0.0f, movement.clockwise ? -1.0f : 1.0f);
         gesture.progress = std::min((movement.time - restTime) / turnTime, movement.turns);
-        gesture.radius = static_cast<double>(radius);
+        gesture.radius = double(radius);
     }
     return gesture;
 }

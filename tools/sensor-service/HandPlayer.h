@@ -33,7 +33,7 @@ private:
         PlayedGesture::Type type = PlayedGesture::Type::ScreenTap;
         double turns = 0.0;
         bool clockwise = true;
-        double time = 0.0;  ///< seconds of an unhurried finger since it began
+        double time = 0.0;  // seconds of an unhurried finger since it began
         bool started = false;
     };
 

@@ -10,9 +10,9 @@ struct PlayedHand
     int id = 1;
     bool isLeft = false;
     QVector3D palm{0.0f, 200.0f, 0.0f};
-    float pitch = 0.0f;  ///< above 0: fingertips up
-    float yaw = 0.0f;    ///< above 0: fingers to the right
-    float roll = 0.0f;   ///< above 0: right edge up
+    float pitch = 0.0f;  // above 0: fingertips up
+    float yaw = 0.0f;    // above 0: fingers to the right
+    float roll = 0.0f;   // above 0: right edge up
     /// Where the index fingertip is off its place, in the sensor's axes.
     QVector3D tipOffset;
 

@@ -41,9 +41,8 @@ void SensorServer::close()
 {
     server->close();
     const std::vector<Client> all = clients;
-    for (const Client& client : all) {
+    for (const Client& client : all)
         forget(client.socket);
-    }
 }
 
 quint16 SensorServer::port() const
@@ -62,14 +61,15 @@ void SensorServer::sendFrame()
     PlayedFrame frame = handPlayer.nextFrame();
     const bool someoneElseHasFocus = focusedCount() > 0;
     QString texts[2];  // without gestures and with them, once a client is to have one
-    for (const Client& client : clients) {
+    // Of a copy: to send may end a connection, and with it its place in the list.
+    const std::vector<Client> all = clients;
+    for (const Client& client : all) {
         if (!behaviour.mindsFocus || client.focused ||
             (client.background && !someoneElseHasFocus)) {
             frame.tellsGestures = client.gestures && behaviour.recognizesGestures;
             QString& text = texts[frame.tellsGestures ? 1 : 0];
-            if (text.isEmpty()) {
+            if (text.isEmpty())
                 text = QString::fromUtf8(frameMessage(frame));
-            }
             client.socket->sendTextMessage(text);
         }
     }
@@ -78,18 +78,17 @@ void SensorServer::sendFrame()
 
 void SensorServer::stream(bool on)
 {
-    if (on) {
+    if (on)
         timer.start();
-    } else {
+    else
         timer.stop();
-    }
 }
 
 void SensorServer::sendText(const QByteArray& text)
 {
-    for (const Client& client : clients) {
+    const std::vector<Client> all = clients;
+    for (const Client& client : all)
         client.socket->sendTextMessage(QString::fromUtf8(text));
-    }
 }
 
 void SensorServer::dropClients(int closeCode)
@@ -103,8 +102,8 @@ void SensorServer::dropClients(int closeCode)
 
 int SensorServer::focusedCount() const
 {
-    return static_cast<int>(std::count_if(clients.begin(), clients.end(),
-                                          [](const Client& client) { return client.focused; }));
+    return int(std::count_if(
+        clients.begin(), clients.end(), [](const Client& client) { return client.focused; }));
 }
 
 void SensorServer::accept()
@@ -120,8 +119,9 @@ void SensorServer::accept()
         Client client;
         client.socket = socket;
         clients.push_back(client);
-        connect(socket, &QWebSocket::textMessageReceived, this,
-                [this, socket](const QString& message) { obey(socket, message); });
+        connect(
+            socket, &QWebSocket::textMessageReceived, this,
+            [this, socket](const QString& message) { obey(socket, message); });
         connect(socket, &QWebSocket::disconnected, this, [this, socket] { forget(socket); });
         if (behaviour.greets) {
             const QByteArray hello = behaviour.hello.isEmpty()
@@ -139,27 +139,24 @@ void SensorServer::accept()
 void SensorServer::obey(QWebSocket* socket, const QString& message)
 {
     messages.append(message);
-    if (messages.size() > mostMessages) {
+    if (messages.size() > mostMessages)
         messages.removeFirst();
-    }
     const auto client = std::find_if(clients.begin(), clients.end(),
                                      [&](const Client& one) { return one.socket == socket; });
-    if (client == clients.end()) {
+    if (client == clients.end())
         return;
-    }
-    if (message == QLatin1String("{\"enableGestures\":true}")) {
+    if (message == QLatin1String("{\"enableGestures\":true}"))
         client->gestures = true;
-    } else if (message == QLatin1String("{\"enableGestures\":false}")) {
+    else if (message == QLatin1String("{\"enableGestures\":false}"))
         client->gestures = false;
-    } else if (message == QLatin1String("{\"background\":true}")) {
+    else if (message == QLatin1String("{\"background\":true}"))
         client->background = true;
-    } else if (message == QLatin1String("{\"background\":false}")) {
+    else if (message == QLatin1String("{\"background\":false}"))
         client->background = false;
-    } else if (message == QLatin1String("{\"focused\":true}")) {
+    else if (message == QLatin1String("{\"focused\":true}"))
         takeFocus(socket);
-    } else if (message == QLatin1String("{\"focused\":false}")) {
+    else if (message == QLatin1String("{\"focused\":false}"))
         client->focused = false;
-    }
     emit clientsChanged();
 }
 
@@ -175,7 +172,6 @@ void SensorServer::forget(QWebSocket* socket)
 
 void SensorServer::takeFocus(QWebSocket* socket)
 {
-    for (Client& client : clients) {
+    for (Client& client : clients)
         client.focused = client.socket == socket;
-    }
 }

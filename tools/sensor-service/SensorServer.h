@@ -29,7 +29,7 @@ public:
         bool greets = true;
         /// Off, every client gets the frames, whatever window is active.
         bool mindsFocus = true;
-        QByteArray hello;  ///< sent instead of the right one, unless empty
+        QByteArray hello;  // sent instead of the right one, unless empty
     };
 
     explicit SensorServer(const Behaviour& behaviour, QObject* parent = nullptr);
@@ -51,7 +51,7 @@ public:
     void sendText(const QByteArray& text);
     void dropClients(int closeCode);
 
-    int clientCount() const { return static_cast<int>(clients.size()); }
+    int clientCount() const { return int(clients.size()); }
     int focusedCount() const;
     qint64 connectionCount() const { return connections; }
     /// All that clients said, in order.
@@ -79,7 +79,7 @@ private:
 
     Behaviour behaviour;
     HandPlayer handPlayer;
-    QWebSocketServer* server;  ///< a child, which moves to another thread along with its parent
+    QWebSocketServer* server;  // a child, which moves to another thread along with its parent
     QTimer timer;
     std::vector<Client> clients;
     qint64 connections = 0;

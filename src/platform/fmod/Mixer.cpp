@@ -124,30 +124,31 @@ std::shared_ptr<Playback> Mixer::play(std::shared_ptr<Sample> sample)
     if (playbacks.size() == voices.size())
         stealQuietest();
     const int index = freeChannel();
-    playbacks.push_back(
-        std::make_shared<Playback>(*voices[static_cast<std::size_t>(index)], index, sample));
+    playbacks.push_back(std::make_shared<Playback>(*voices[std::size_t(index)], index, sample));
     return playbacks.back();
 }
 
 void Mixer::reclaimFinished()
 {
-    playbacks.erase(std::remove_if(playbacks.begin(), playbacks.end(),
-                                   [](const auto& playback) { return playback->isOver(); }),
+    playbacks.erase(std::remove_if(
+                        playbacks.begin(), playbacks.end(),
+                        [](const auto& playback) { return playback->isOver(); }),
                     playbacks.end());
 }
 
 void Mixer::stealQuietest()
 {
-    playbacks.erase(std::min_element(playbacks.begin(), playbacks.end(),
-                                     [](const auto& left, const auto& right) {
-                                         return left->audibility() < right->audibility();
-                                     }));
+    playbacks.erase(std::min_element(
+        playbacks.begin(), playbacks.end(),
+        [](const auto& left, const auto& right) {
+            return left->audibility() < right->audibility();
+        }));
 }
 
 int Mixer::freeChannel() const
 {
     std::vector<bool> taken(voices.size(), false);
     for (const auto& playback : playbacks)
-        taken[static_cast<std::size_t>(playback->index)] = true;
-    return static_cast<int>(std::find(taken.begin(), taken.end(), false) - taken.begin());
+        taken[std::size_t(playback->index)] = true;
+    return int(std::find(taken.begin(), taken.end(), false) - taken.begin());
 }

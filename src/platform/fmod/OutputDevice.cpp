@@ -5,6 +5,7 @@
 #include <utility>
 
 namespace {
+
 OutputDevice::Opener& currentOpener()
 {
     static OutputDevice::Opener opener;
@@ -38,6 +39,7 @@ ALCdevice* openDefaultDevice(std::vector<ALCint>&)
 {
     return alcOpenDevice(nullptr);
 }
+
 }  // namespace
 
 void OutputDevice::openWith(Opener opener)

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 namespace {
+
 // 64 MB of decoded sound, three minutes at 44.1 kHz: far over a hit, far under a machine's memory.
 constexpr std::size_t maxFrames = 8u * 1024 * 1024;
 constexpr int maxChannels = 64;
@@ -48,6 +49,7 @@ FMOD_RESULT checkFile(const char* path)
     // A pipe or a device could keep the game waiting for ever.
     return S_ISREG(status.st_mode) ? FMOD_OK : FMOD_ERR_FILE_BAD;
 }
+
 }  // namespace
 
 FMOD_RESULT SoundFile::read(const char* path)
@@ -63,13 +65,13 @@ FMOD_RESULT SoundFile::read(const char* path)
         return FMOD_ERR_FORMAT;
 
     // The header's count of frames is not to be trusted: the file may be cut short, or lie.
-    std::vector<float> block(static_cast<std::size_t>(framesAtOnce) * info.channels);
+    std::vector<float> block(std::size_t(framesAtOnce) * info.channels);
     samples.clear();
     rate = info.samplerate;
     while (const sf_count_t count = sf_readf_float(file.get(), block.data(), framesAtOnce)) {
         if (count < 0)
             return FMOD_ERR_FILE_BAD;
-        if (samples.size() / 2 + static_cast<std::size_t>(count) > maxFrames)
+        if (samples.size() / 2 + std::size_t(count) > maxFrames)
             return FMOD_ERR_MEMORY;
         appendStereo(samples, block.data(), count, info.channels);
     }

@@ -10,6 +10,7 @@
 #include <vector>
 
 namespace {
+
 constexpr int mostChannels = 255;                 // OpenAL gives a device that many sources
 constexpr std::size_t mostChannelObjects = 4096;  // a few minutes of the wildest play
 constexpr FMOD_MODE knownModes = FMOD_LOOP_OFF | FMOD_LOOP_NORMAL;
@@ -18,6 +19,7 @@ bool isKnownMode(FMOD_MODE mode)
 {
     return (mode & ~knownModes) == 0 && mode != knownModes;
 }
+
 }  // namespace
 
 namespace FMOD {

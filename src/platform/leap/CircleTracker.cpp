@@ -51,14 +51,12 @@ std::optional<CircleTracker::Report> CircleTracker::lose()
 
 void CircleTracker::addToPath(std::int64_t time, const Vector& tip)
 {
-    if (path.empty() || length(tip - path.back().position) >= pathStep) {
+    if (path.empty() || length(tip - path.back().position) >= pathStep)
         path.push_back({time, tip});
-    }
     std::size_t old = path.size() > longestPath ? path.size() - longestPath : 0;
-    while (old < path.size() && time - path[old].time > longestPathTime) {
+    while (old < path.size() && time - path[old].time > longestPathTime)
         ++old;
-    }
-    path.erase(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(old));
+    path.erase(path.begin(), path.begin() + std::ptrdiff_t(old));
 }
 
 // Goes back along the path, adding up how it turns, until there are three quarters of a turn.
@@ -73,25 +71,20 @@ std::optional<CircleTracker::Report> CircleTracker::begin()
         turn = turn + normalized(axis) * std::atan2(length(axis), earlier.dot(later));
         const float arc = length(turn);
         largest = std::max(largest, arc);
-        if (largest - arc > greatestReversal) {
+        if (largest - arc > greatestReversal)
             return std::nullopt;
-        }
-        if (arc < leastArc) {
+        if (arc < leastArc)
             continue;
-        }
         normal = normalized(turn);
         const auto fit = fitFrom(i - 3);
-        if (!fit) {
+        if (!fit)
             return std::nullopt;
-        }
         circle = *fit;
         turned = 0.0f;
-        for (std::size_t k = i - 2; k < path.size(); ++k) {
+        for (std::size_t k = i - 2; k < path.size(); ++k)
             turned += angleBetween(path[k - 1].position, path[k].position);
-        }
-        if (turned < arcTolerance * leastArc) {
+        if (turned < arcTolerance * leastArc)
             return std::nullopt;
-        }
         turnedMost = turned;
         running = true;
         framesOff = 0;
@@ -122,9 +115,8 @@ std::optional<CircleTracker::Report> CircleTracker::proceed(std::int64_t time, c
         turnedMost = std::max(turnedMost, turned);
     }
     if (jumped || framesOff >= framesOffToStop || (slow && time - slowSince >= slowTime) ||
-        turnedMost - turned > greatestReversal) {
+        turnedMost - turned > greatestReversal)
         return stop();
-    }
     return Report{Gesture::STATE_UPDATE, turnedMost / (2.0f * pi), normal};
 }
 
@@ -137,9 +129,8 @@ void CircleTracker::followDrift()
         arc += angleBetween(path[first - 1].position, path[first].position);
         --first;
     }
-    if (arc >= arcTolerance * leastArc) {
+    if (arc >= arcTolerance * leastArc)
         circle = fitFrom(first).value_or(circle);
-    }
 }
 
 CircleTracker::Report CircleTracker::stop()
@@ -153,11 +144,10 @@ CircleTracker::Report CircleTracker::stop()
 // the plane of normal; none when it is too small, too large or too little round.
 std::optional<CircleTracker::Fit> CircleTracker::fitFrom(std::size_t first) const
 {
-    const auto count = static_cast<float>(path.size() - first);
+    const auto count = float(path.size() - first);
     Vector mean;
-    for (std::size_t i = first; i < path.size(); ++i) {
+    for (std::size_t i = first; i < path.size(); ++i)
         mean = mean + path[i].position * (1.0f / count);
-    }
     const Vector aside = std::fabs(normal.x) < 0.7f ? Vector(1, 0, 0) : Vector(0, 1, 0);
     const Vector uAxis = normalized(cross(normal, aside));
     const Vector vAxis = cross(normal, uAxis);
@@ -176,19 +166,17 @@ std::optional<CircleTracker::Fit> CircleTracker::fitFrom(std::size_t first) cons
         vuu += v * u * u;
     }
     const double determinant = uu * vv - uv * uv;
-    if (!(std::fabs(determinant) > 1e-6 * uu * vv)) {
+    if (!(std::fabs(determinant) > 1e-6 * uu * vv))
         return std::nullopt;
-    }
     const double uSide = 0.5 * (uuu + uvv);
     const double vSide = 0.5 * (vvv + vuu);
-    const auto u = static_cast<float>((uSide * vv - vSide * uv) / determinant);
-    const auto v = static_cast<float>((vSide * uu - uSide * uv) / determinant);
+    const auto u = float((uSide * vv - vSide * uv) / determinant);
+    const auto v = float((vSide * uu - uSide * uv) / determinant);
 
     Fit fit;
     fit.centre = mean + uAxis * u + vAxis * v;
-    for (std::size_t i = first; i < path.size(); ++i) {
+    for (std::size_t i = first; i < path.size(); ++i)
         fit.radius += length(path[i].position - fit.centre) / count;
-    }
     float variance = 0.0f;
     for (std::size_t i = first; i < path.size(); ++i) {
         const float error = length(path[i].position - fit.centre) - fit.radius;

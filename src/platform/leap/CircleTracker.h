@@ -19,8 +19,8 @@ public:
     struct Report
     {
         Gesture::State state = Gesture::STATE_INVALID;
-        float progress = 0.0f;  ///< turns
-        Vector normal;          ///< by the right-hand rule of the movement
+        float progress = 0.0f;  // turns
+        Vector normal;          // by the right-hand rule of the movement
     };
 
     /// Time in microseconds, greater than the one before; position in mm, speed in mm/s.
@@ -54,8 +54,8 @@ private:
     Vector normal;
     Fit circle;
     Vector lastTip;
-    float turned = 0.0f;      ///< radians
-    float turnedMost = 0.0f;  ///< radians, the last good value
+    float turned = 0.0f;      // radians
+    float turnedMost = 0.0f;  // radians, the last good value
     int framesOff = 0;
     std::int64_t slowSince = 0;
     bool slow = false;

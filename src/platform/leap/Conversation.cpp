@@ -34,9 +34,8 @@ Conversation::Conversation(Session& session_) : session(session_) {}
 Conversation::Verdict Conversation::receive(std::string_view text)
 {
     Message message = parseMessage(text);
-    if (!greeted) {
+    if (!greeted)
         return greet(message);
-    }
     switch (message.kind) {
     case Message::Kind::Frame:
         malformed = 0;
@@ -54,9 +53,8 @@ Conversation::Verdict Conversation::receive(std::string_view text)
 
 Conversation::Verdict Conversation::greet(const Message& message)
 {
-    if (message.kind != Message::Kind::Hello || message.version != acceptedVersion) {
+    if (message.kind != Message::Kind::Hello || message.version != acceptedVersion)
         return Verdict::Hopeless;
-    }
     greeted = true;
     serviceRecognizes = recognizesGestures(message.serviceVersion);
     session.connected();
@@ -65,9 +63,8 @@ Conversation::Verdict Conversation::greet(const Message& message)
 
 Conversation::Verdict Conversation::acceptFrame(FrameData frame)
 {
-    if (anyFrame && frame.id == lastId) {
+    if (anyFrame && frame.id == lastId)
         return Verdict::GoOn;
-    }
     if (anyFrame && lastTimestamp - frame.timestamp > clockReset) {
         recognizer.reset();
         drawing.clear();
@@ -89,21 +86,17 @@ void Conversation::completeGestures(FrameData& frame)
     }
     for (GestureData& gesture : frame.gestures) {
         const auto known = drawing.find(gesture.id);
-        if (!gesture.pointable.isValid() && known != drawing.end()) {
+        if (!gesture.pointable.isValid() && known != drawing.end())
             gesture.pointable = known->second;
-        }
-        if (gesture.state == Gesture::STATE_STOP) {
+        if (gesture.state == Gesture::STATE_STOP)
             drawing.erase(gesture.id);
-        } else {
+        else
             drawing[gesture.id] = gesture.pointable;
-        }
         // The end of the oldest was lost, or it would not be here any more.
-        if (drawing.size() > mostDrawing) {
+        if (drawing.size() > mostDrawing)
             drawing.erase(drawing.begin());
-        }
-        if (!gesture.pointable.isValid()) {
+        if (!gesture.pointable.isValid())
             gesture.pointable = unknownFinger;
-        }
     }
 }
 

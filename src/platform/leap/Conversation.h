@@ -17,8 +17,8 @@ class Conversation
 public:
     enum class Verdict {
         GoOn,
-        Greeted,  ///< the service may be sent its settings now
-        Hopeless  ///< nothing useful is to be expected of this connection
+        Greeted,  // the service may be sent its settings now
+        Hopeless  // nothing useful is to be expected of this connection
     };
 
     explicit Conversation(Session& session);
@@ -33,7 +33,7 @@ private:
 
     Session& session;
     bool greeted = false;
-    int malformed = 0;  ///< in a row
+    int malformed = 0;  // in a row
     bool anyFrame = false;
     std::int64_t lastId = 0;
     std::int64_t lastTimestamp = 0;

@@ -19,10 +19,10 @@ struct HandData
 struct PointableData
 {
     std::int64_t id = -1;
-    std::int64_t handId = -1;  ///< may name no hand of the frame
-    int finger = -1;           ///< 0 thumb to 4 little finger; -1 when the service does not tell
+    std::int64_t handId = -1;  // may name no hand of the frame
+    int finger = -1;           // 0 thumb to 4 little finger; -1 when the service does not tell
     bool extended = true;
-    Vector tipPosition;  ///< zero when the service tells nonsense
+    Vector tipPosition;  // zero when the service tells nonsense
     Vector direction;
 };
 
@@ -31,8 +31,8 @@ struct GestureData
     std::int64_t id = -1;
     Gesture::Type type = Gesture::TYPE_INVALID;
     Gesture::State state = Gesture::STATE_INVALID;
-    float progress = 0.0f;  ///< turns of a circle
-    Vector normal;          ///< of a circle
+    float progress = 0.0f;  // turns of a circle
+    Vector normal;          // of a circle
     /// A copy and not a number: a gesture outlives its frame when that frame is never delivered.
     Pointable pointable;
 };
@@ -41,7 +41,7 @@ struct GestureData
 struct FrameData
 {
     std::int64_t id = -1;
-    std::int64_t timestamp = 0;  ///< microseconds on the service's clock
+    std::int64_t timestamp = 0;  // microseconds on the service's clock
     std::vector<HandData> hands;
     std::vector<PointableData> pointables;
     std::vector<GestureData> gestures;

@@ -38,11 +38,9 @@ void GestureRecognizer::recognize(FrameData& frame)
             ++entry;
         }
     }
-    for (const HandData& hand : frame.hands) {
-        if (const PointableData* pointable = indexFingerOf(hand, frame)) {
+    for (const HandData& hand : frame.hands)
+        if (const PointableData* pointable = indexFingerOf(hand, frame))
             follow(fingers[hand.id], hand, *pointable, frame);
-        }
-    }
 }
 
 void GestureRecognizer::reset()
@@ -56,12 +54,10 @@ void GestureRecognizer::follow(Finger& finger, const HandData& hand, const Point
     auto& samples = finger.samples;
     if (!samples.empty()) {
         const std::int64_t passed = frame.timestamp - samples.back().time;
-        if (passed <= 0) {
+        if (passed <= 0)
             return;
-        }
-        if (passed > longestGap) {
+        if (passed > longestGap)
             lose(finger, frame);
-        }
     }
     finger.pointable = pointable;
     TapTracker::Sample sample;
@@ -70,20 +66,17 @@ void GestureRecognizer::follow(Finger& finger, const HandData& hand, const Point
     sample.palm = hand.palmPosition;
     sample.pointsForward = pointable.direction.z < forwardEnough;
     samples.push_back(sample);
-    if (samples.size() < 2) {
+    if (samples.size() < 2)
         return;
-    }
-    if (samples.size() > samplesForSpeed) {
+    if (samples.size() > samplesForSpeed)
         samples.pop_front();
-    }
-    const auto seconds = static_cast<float>(sample.time - samples.front().time) * 1e-6f;
+    const auto seconds = float(sample.time - samples.front().time) * 1e-6f;
     sample.tipSpeed = length(sample.tip - samples.front().tip) / seconds;
 
     const bool wasCircling = finger.circle.isRunning();
     if (const auto circle = finger.circle.follow(sample.time, sample.tip, sample.tipSpeed)) {
-        if (!wasCircling) {
+        if (!wasCircling)
             finger.circleId = nextId++;
-        }
         report(finger, *circle, frame);
     }
     if (wasCircling || finger.circle.isRunning()) {
@@ -101,9 +94,8 @@ void GestureRecognizer::follow(Finger& finger, const HandData& hand, const Point
 
 void GestureRecognizer::lose(Finger& finger, FrameData& frame)
 {
-    if (const auto circle = finger.circle.lose()) {
+    if (const auto circle = finger.circle.lose())
         report(finger, *circle, frame);
-    }
     finger.tap.forgetMovement();
     finger.samples.clear();
 }

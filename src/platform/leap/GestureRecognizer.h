@@ -22,7 +22,7 @@ public:
 private:
     struct Finger
     {
-        std::deque<TapTracker::Sample> samples;  ///< the last three, for the speed
+        std::deque<TapTracker::Sample> samples;  // the last three, for the speed
         CircleTracker circle;
         TapTracker tap;
         std::int64_t circleId = 0;
@@ -34,7 +34,7 @@ private:
     void lose(Finger& finger, FrameData& frame);
     void report(Finger& finger, const CircleTracker::Report& circle, FrameData& frame);
 
-    std::map<std::int64_t, Finger> fingers;  ///< by the number of the hand
+    std::map<std::int64_t, Finger> fingers;  // by the number of the hand
     std::int64_t nextId = 1;
 };
 

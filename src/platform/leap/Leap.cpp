@@ -15,7 +15,7 @@ const GestureData noGesture;
 template <typename List>
 bool holds(const List& list, int index)
 {
-    return index >= 0 && static_cast<std::size_t>(index) < list.size();
+    return index >= 0 && std::size_t(index) < list.size();
 }
 
 }  // namespace
@@ -23,9 +23,8 @@ bool holds(const List& list, int index)
 float Vector::angleTo(const Vector& other) const
 {
     const float product = magnitudeSquared() * other.magnitudeSquared();
-    if (!(product > 0.0f)) {
+    if (!(product > 0.0f))
         return 0.0f;
-    }
     const float cosine = dot(other) / std::sqrt(product);
     return std::acos(std::fmax(-1.0f, std::fmin(1.0f, cosine)));
 }
@@ -69,15 +68,14 @@ HandList::HandList(std::shared_ptr<const FrameData> frame_) : frame(std::move(fr
 
 int HandList::count() const
 {
-    return frame ? static_cast<int>(frame->hands.size()) : 0;
+    return frame ? int(frame->hands.size()) : 0;
 }
 
 Hand HandList::operator[](int index) const
 {
-    if (!frame || !holds(frame->hands, index)) {
+    if (!frame || !holds(frame->hands, index))
         return Hand();
-    }
-    return Hand(frame, static_cast<std::size_t>(index));
+    return Hand(frame, std::size_t(index));
 }
 
 Gesture::Gesture(std::shared_ptr<const FrameData> frame_, std::size_t index_)
@@ -129,15 +127,14 @@ GestureList::GestureList(std::shared_ptr<const FrameData> frame_) : frame(std::m
 
 int GestureList::count() const
 {
-    return frame ? static_cast<int>(frame->gestures.size()) : 0;
+    return frame ? int(frame->gestures.size()) : 0;
 }
 
 Gesture GestureList::operator[](int index) const
 {
-    if (!frame || !holds(frame->gestures, index)) {
+    if (!frame || !holds(frame->gestures, index))
         return Gesture();
-    }
-    return Gesture(frame, static_cast<std::size_t>(index));
+    return Gesture(frame, std::size_t(index));
 }
 
 Frame::Frame(std::shared_ptr<const FrameData> data_) : data(std::move(data_)) {}

@@ -65,25 +65,22 @@ std::string text(const Json& value)
 std::optional<std::int64_t> wholeNumber(const Json& value)
 {
     const auto read = number(value);
-    if (!read || std::fabs(*read) > largestWhole || *read != std::floor(*read)) {
+    if (!read || std::fabs(*read) > largestWhole || *read != std::floor(*read))
         return std::nullopt;
-    }
-    return static_cast<std::int64_t>(*read);
+    return std::int64_t(*read);
 }
 
 std::optional<Vector> vector(const Json& value, double limit)
 {
     const Json& parts = entries(value);
-    if (parts.size() != 3) {
+    if (parts.size() != 3)
         return std::nullopt;
-    }
     float part[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
         const auto read = number(parts[i]);
-        if (!read || std::fabs(*read) > limit) {
+        if (!read || std::fabs(*read) > limit)
             return std::nullopt;
-        }
-        part[i] = static_cast<float>(*read);
+        part[i] = float(*read);
     }
     return Vector(part[0], part[1], part[2]);
 }
@@ -91,13 +88,11 @@ std::optional<Vector> vector(const Json& value, double limit)
 std::optional<Vector> direction(const Json& value)
 {
     const std::optional<Vector> read = vector(value, longestDirection);
-    if (!read) {
+    if (!read)
         return std::nullopt;
-    }
     const float size = length(*read);
-    if (!(size >= shortestDirection && size <= longestDirection)) {
+    if (!(size >= shortestDirection && size <= longestDirection))
         return std::nullopt;
-    }
     return normalized(*read);
 }
 
@@ -107,9 +102,8 @@ std::optional<HandData> hand(const Json& object)
     const auto position = vector(field(object, "palmPosition"), farthestPosition);
     const auto normal = direction(field(object, "palmNormal"));
     const auto fingers = direction(field(object, "direction"));
-    if (!id || !position || !normal || !fingers) {
+    if (!id || !position || !normal || !fingers)
         return std::nullopt;
-    }
     HandData data;
     data.id = *id;
     data.palmPosition = *position;
@@ -123,13 +117,11 @@ void readHands(const Json& list, FrameData& frame, std::set<std::int64_t>& dropp
 {
     std::set<std::int64_t> known;
     for (const Json& object : entries(list)) {
-        if (frame.hands.size() == mostHands) {
+        if (frame.hands.size() == mostHands)
             return;
-        }
         if (const auto data = hand(object)) {
-            if (known.insert(data->id).second) {
+            if (known.insert(data->id).second)
                 frame.hands.push_back(*data);
-            }
         } else if (const auto id = wholeNumber(field(object, "id"))) {
             dropped.insert(*id);
         }
@@ -139,14 +131,12 @@ void readHands(const Json& list, FrameData& frame, std::set<std::int64_t>& dropp
 void readPointables(const Json& list, FrameData& frame, const std::set<std::int64_t>& droppedHands)
 {
     for (const Json& object : entries(list)) {
-        if (frame.pointables.size() == mostPointables) {
+        if (frame.pointables.size() == mostPointables)
             return;
-        }
         const auto id = wholeNumber(field(object, "id"));
         const auto handId = wholeNumber(field(object, "handId"));
-        if (!id || (handId && droppedHands.count(*handId))) {
+        if (!id || (handId && droppedHands.count(*handId)))
             continue;
-        }
         PointableData data;
         data.id = *id;
         data.handId = handId.value_or(-1);
@@ -156,40 +146,32 @@ void readPointables(const Json& list, FrameData& frame, const std::set<std::int6
         data.extended = flag(field(object, "extended"), true);
         const auto finger = wholeNumber(field(object, "type"));
         const bool isTool = flag(field(object, "tool"), false);
-        data.finger =
-            finger && !isTool && *finger >= 0 && *finger <= 4 ? static_cast<int>(*finger) : -1;
+        data.finger = finger && !isTool && *finger >= 0 && *finger <= 4 ? int(*finger) : -1;
         frame.pointables.push_back(data);
     }
 }
 
 Gesture::Type gestureType(const std::string& name)
 {
-    if (name == "circle") {
+    if (name == "circle")
         return Gesture::TYPE_CIRCLE;
-    }
-    if (name == "screenTap") {
+    if (name == "screenTap")
         return Gesture::TYPE_SCREEN_TAP;
-    }
-    if (name == "swipe") {
+    if (name == "swipe")
         return Gesture::TYPE_SWIPE;
-    }
-    if (name == "keyTap") {
+    if (name == "keyTap")
         return Gesture::TYPE_KEY_TAP;
-    }
     return Gesture::TYPE_INVALID;
 }
 
 Gesture::State gestureState(const std::string& name)
 {
-    if (name == "start") {
+    if (name == "start")
         return Gesture::STATE_START;
-    }
-    if (name == "update") {
+    if (name == "update")
         return Gesture::STATE_UPDATE;
-    }
-    if (name == "stop") {
+    if (name == "stop")
         return Gesture::STATE_STOP;
-    }
     return Gesture::STATE_INVALID;
 }
 
@@ -206,20 +188,17 @@ Pointable pointableOf(const Json& gesture, const FrameData& frame)
 void readGestures(const Json& list, FrameData& frame)
 {
     for (const Json& object : entries(list)) {
-        if (frame.gestures.size() == mostGestures) {
+        if (frame.gestures.size() == mostGestures)
             return;
-        }
         const auto id = wholeNumber(field(object, "id"));
         GestureData data;
         data.type = gestureType(text(field(object, "type")));
         data.state = gestureState(text(field(object, "state")));
-        if (!id || data.type == Gesture::TYPE_INVALID || data.state == Gesture::STATE_INVALID) {
+        if (!id || data.type == Gesture::TYPE_INVALID || data.state == Gesture::STATE_INVALID)
             continue;
-        }
         data.id = *id;
         const double progress = number(field(object, "progress")).value_or(0.0);
-        data.progress =
-            progress >= 0.0 && progress <= mostTurns ? static_cast<float>(progress) : 0.0f;
+        data.progress = progress >= 0.0 && progress <= mostTurns ? float(progress) : 0.0f;
         data.normal = direction(field(object, "normal")).value_or(Vector());
         data.pointable = pointableOf(object, frame);
         frame.gestures.push_back(data);
@@ -231,7 +210,7 @@ Message helloMessage(const Json& object)
     Message message;
     message.kind = Message::Kind::Hello;
     const auto version = wholeNumber(field(object, "version"));
-    message.version = version && std::abs(*version) <= 1000 ? static_cast<int>(*version) : 0;
+    message.version = version && std::abs(*version) <= 1000 ? int(*version) : 0;
     message.serviceVersion = text(field(object, "serviceVersion"));
     return message;
 }
@@ -242,9 +221,8 @@ Message frameMessage(const Json& object)
     const auto id = wholeNumber(field(object, "id"));
     const auto timestamp = wholeNumber(field(object, "timestamp"));
     const Json& hands = field(object, "hands");
-    if (!id || !timestamp || !hands.is_array()) {
+    if (!id || !timestamp || !hands.is_array())
         return message;
-    }
     message.kind = Message::Kind::Frame;
     message.frame.id = *id;
     message.frame.timestamp = *timestamp;
@@ -259,21 +237,18 @@ Message frameMessage(const Json& object)
 
 Message parseMessage(std::string_view text)
 {
-    if (text.size() > longestMessage) {
+    if (text.size() > longestMessage)
         return Message();
-    }
     const Json value = readJson(text, fieldNames);
-    if (!value.is_object()) {
+    if (!value.is_object())
         return Message();
-    }
     if (value.contains("event")) {
         Message message;
         message.kind = Message::Kind::Event;
         return message;
     }
-    if (value.contains("version")) {
+    if (value.contains("version"))
         return helloMessage(value);
-    }
     return frameMessage(value);
 }
 

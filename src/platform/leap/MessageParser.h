@@ -12,15 +12,15 @@ namespace Leap {
 struct Message
 {
     enum class Kind {
-        Malformed,  ///< not of this protocol, or with nothing in it that can be used
+        Malformed,  // not of this protocol, or with nothing in it that can be used
         Hello,
-        Event,  ///< about the device; frames tell all that is needed of it
+        Event,  // about the device; frames tell all that is needed of it
         Frame
     };
 
     Kind kind = Kind::Malformed;
-    int version = 0;             ///< of a hello; 0 when it is not a whole number
-    std::string serviceVersion;  ///< of a hello; newer services do not tell
+    int version = 0;             // of a hello; 0 when it is not a whole number
+    std::string serviceVersion;  // of a hello; newer services do not tell
     FrameData frame;
 };
 

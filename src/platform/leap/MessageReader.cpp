@@ -33,9 +33,8 @@ public:
     {
         Json* const object = holders.back();
         next = nullptr;
-        if (object && names.count(name) && !object->contains(name)) {
+        if (object && names.count(name) && !object->contains(name))
             next = &(*object)[name];
-        }
         return true;
     }
 
@@ -49,24 +48,20 @@ public:
 private:
     bool put(Json value)
     {
-        if (++values > mostMessageValues) {
+        if (++values > mostMessageValues)
             return false;
-        }
-        if (Json* const place = placeOfNext()) {
+        if (Json* const place = placeOfNext())
             *place = std::move(value);
-        }
         return true;
     }
 
     bool open(Json holder)
     {
-        if (holders.size() == deepestMessage || ++values > mostMessageValues) {
+        if (holders.size() == deepestMessage || ++values > mostMessageValues)
             return false;
-        }
         Json* const place = placeOfNext();
-        if (place) {
+        if (place)
             *place = std::move(holder);
-        }
         holders.push_back(place);
         return true;
     }
@@ -96,13 +91,11 @@ private:
 Json readJson(std::string_view text, const std::set<std::string_view>& names)
 {
     // The library takes a zero for the end of the text.
-    if (text.find('\0') != text.npos) {
+    if (text.find('\0') != text.npos)
         return Json::value_t::discarded;
-    }
     BoundedBuilder builder(names);
-    if (!Json::sax_parse(text, &builder)) {
+    if (!Json::sax_parse(text, &builder))
         return Json::value_t::discarded;
-    }
     return builder.takeResult();
 }
 

@@ -84,7 +84,7 @@ void ServiceClient::receive(const QString& text)
 {
     heard = true;
     const QByteArray bytes = text.toUtf8();
-    switch (conversation->receive({bytes.constData(), static_cast<std::size_t>(bytes.size())})) {
+    switch (conversation->receive({bytes.constData(), std::size_t(bytes.size())})) {
     case Conversation::Verdict::GoOn:
         break;
     case Conversation::Verdict::Greeted:
@@ -138,11 +138,10 @@ void ServiceClient::setFocus(bool focus_)
 void ServiceClient::listenForPulse()
 {
     heard = true;
-    if (focus) {
+    if (focus)
         pulse.start();
-    } else {
+    else
         pulse.stop();
-    }
 }
 
 void ServiceClient::checkPulse()
@@ -169,17 +168,15 @@ void ServiceClient::dropSocket()
 {
     deadline.stop();
     pulse.stop();
-    if (!socket) {
+    if (!socket)
         return;
-    }
     // It may be one of its own signals that led here, so it cannot be deleted on the spot.
     socket->disconnect(this);
     socket->abort();
     socket->deleteLater();
     socket = nullptr;
-    if (conversation->isGreeted()) {
+    if (conversation->isGreeted())
         session->disconnected();
-    }
 }
 
 }  // namespace Leap

@@ -38,9 +38,9 @@ private:
 
     std::shared_ptr<Session> session;
     std::unique_ptr<Conversation> conversation;
-    QWebSocket* socket = nullptr;  ///< a child
+    QWebSocket* socket = nullptr;  // a child
     QTimer retry;
-    QTimer deadline;  ///< for the greeting, from the start of an attempt
+    QTimer deadline;  // for the greeting, from the start of an attempt
     QTimer pulse;
     bool heard = false;
     bool pinged = false;

@@ -18,11 +18,10 @@ ServiceRunner::~ServiceRunner()
 {
     service.reset();
     session->stop();
-    if (listeners.get_id() == std::this_thread::get_id()) {
+    if (listeners.get_id() == std::this_thread::get_id())
         listeners.detach();
-    } else {
+    else
         listeners.join();
-    }
 }
 
 }  // namespace Leap

@@ -13,7 +13,7 @@ constexpr std::size_t mostGesturesKept = 64;
 
 unsigned int bitOf(Gesture::Type type)
 {
-    return type < 0 ? 0u : 1u << static_cast<unsigned>(type);
+    return type < 0 ? 0u : 1u << unsigned(type);
 }
 
 }  // namespace
@@ -21,9 +21,8 @@ unsigned int bitOf(Gesture::Type type)
 bool Session::addListener(Listener& listener)
 {
     const Lock lock(mutex);
-    if (find(listener)) {
+    if (find(listener))
         return false;
-    }
     Entry entry;
     entry.listener = &listener;
     // Only what comes from now on: the newest frame may be from long ago.
@@ -44,13 +43,11 @@ bool Session::removeListener(Listener& listener)
             initialised = entry->initialised;
             entries.erase(entries.begin() + (entry - entries.data()));
         }
-        if (!onServingThread()) {
+        if (!onServingThread())
             changed.wait(lock, [&] { return inCall != &listener; });
-        }
     }
-    if (initialised) {
+    if (initialised)
         listener.onExit(Controller(shared_from_this()));
-    }
     return known;
 }
 
@@ -64,9 +61,8 @@ void Session::enableGesture(Gesture::Type type, bool enable)
 {
     const Lock lock(mutex);
     gestureTypes = enable ? gestureTypes | bitOf(type) : gestureTypes & ~bitOf(type);
-    if (gesturesChanged) {
+    if (gesturesChanged)
         gesturesChanged();
-    }
 }
 
 void Session::connected()
@@ -82,9 +78,8 @@ void Session::disconnected()
     connection = 0;
     focused = false;
     markAllServed();
-    if (newest) {
+    if (newest)
         publishNewest(FrameData());
-    }
     changed.notify_all();
 }
 
@@ -126,11 +121,9 @@ void Session::run()
     Lock lock(mutex);
     servingThread = std::this_thread::get_id();
     const Controller controller(shared_from_this());
-    while (!stopped) {
-        if (!serveOne(lock, controller)) {
+    while (!stopped)
+        if (!serveOne(lock, controller))
             changed.wait(lock);
-        }
-    }
     servingThread = std::thread::id();
 }
 
@@ -215,18 +208,16 @@ void Session::publishNewest(FrameData frame)
 {
     newest = std::make_shared<const FrameData>(std::move(frame));
     ++newestNumber;
-    if (entries.empty()) {
+    if (entries.empty())
         markAllServed();
-    }
 }
 
 // Whatever waits in the mailbox is not delivered any more.
 void Session::markAllServed()
 {
     servedNumber = newestNumber;
-    for (Entry& entry : entries) {
+    for (Entry& entry : entries)
         entry.frame = servedNumber;
-    }
 }
 
 bool Session::onServingThread() const
@@ -237,19 +228,15 @@ bool Session::onServingThread() const
 // A frame that nobody saw hands on what was reported in it alone.
 void Session::keepGestures(FrameData& frame) const
 {
-    if (!newest || newestNumber == servedNumber) {
+    if (!newest || newestNumber == servedNumber)
         return;
-    }
     std::vector<GestureData> all;
-    for (const GestureData& gesture : newest->gestures) {
-        if (gesture.state == Gesture::STATE_STOP) {
+    for (const GestureData& gesture : newest->gestures)
+        if (gesture.state == Gesture::STATE_STOP)
             all.push_back(gesture);
-        }
-    }
     all.insert(all.end(), frame.gestures.begin(), frame.gestures.end());
-    if (all.size() > mostGesturesKept) {
+    if (all.size() > mostGesturesKept)
         all.resize(mostGesturesKept);
-    }
     frame.gestures = std::move(all);
 }
 

@@ -59,7 +59,7 @@ private:
         bool initialised = false;
         std::uint64_t connection = 0;
         bool focused = false;
-        std::uint64_t frame = 0;  ///< number of the last frame
+        std::uint64_t frame = 0;  // number of the last frame
     };
     using Lock = std::unique_lock<std::mutex>;
     using Callback = void (Listener::*)(const Controller&);
@@ -80,8 +80,8 @@ private:
     std::thread::id servingThread;
     bool stopped = false;
 
-    std::uint64_t connections = 0;  ///< how many there have been; numbers them from 1
-    std::uint64_t connection = 0;   ///< the one that stands now; 0 for none
+    std::uint64_t connections = 0;  // how many there have been; numbers them from 1
+    std::uint64_t connection = 0;   // the one that stands now; 0 for none
     bool focused = false;
 
     // A frame is served to all listeners before the next one is taken, so that none of them sees a
@@ -91,7 +91,7 @@ private:
     std::uint64_t newestNumber = 0;
     std::uint64_t servedNumber = 0;
 
-    unsigned int gestureTypes = 0;  ///< one bit a type
+    unsigned int gestureTypes = 0;  // one bit a type
     std::function<void()> gesturesChanged;
 };
 

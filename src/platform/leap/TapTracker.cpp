@@ -38,16 +38,13 @@ float sidewaysTravel(const Vector& from, const Vector& to)
 bool TapTracker::follow(const Sample& sample)
 {
     recent.push_back(sample);
-    while (sample.time - recent.front().time > pokeWindow) {
+    while (sample.time - recent.front().time > pokeWindow)
         recent.pop_front();
-    }
     bool tapped = false;
-    if (phase == Phase::Poking) {
+    if (phase == Phase::Poking)
         tapped = poke(sample);
-    }
-    if (phase != Phase::Poking) {
+    if (phase != Phase::Poking)
         rest(sample);
-    }
     return tapped;
 }
 
@@ -87,7 +84,7 @@ bool TapTracker::poke(const Sample& sample)
     if (travel > farthest) {
         turningPoint = sample;
         const float lately = forwardTravelLately(sample);
-        const auto window = static_cast<float>(sample.time - recent.front().time) * 1e-6f;
+        const auto window = float(sample.time - recent.front().time) * 1e-6f;
         fastEnough =
             fastEnough || (lately >= leastTravel && window > 0.0f && sample.pointsForward &&
                            (lately >= leastSpeed * window || sample.tipSpeed >= leastSpeed));
@@ -98,9 +95,8 @@ bool TapTracker::poke(const Sample& sample)
         forgetMovement();
         return false;
     }
-    if (travel > (1.0f - returnShare) * farthest || farthest <= 0.0f) {
+    if (travel > (1.0f - returnShare) * farthest || farthest <= 0.0f)
         return false;
-    }
     // The finger is back half way: whatever it was, it is over.
     const bool straight = sidewaysTravel(origin.tip, turningPoint.tip) <= farthest;
     const bool handStayed = forwardTravel(origin.palm, turningPoint.palm) <= palmShare * farthest;
@@ -117,9 +113,8 @@ bool TapTracker::poke(const Sample& sample)
 float TapTracker::forwardTravelLately(const Sample& sample) const
 {
     float travel = 0.0f;
-    for (const Sample& earlier : recent) {
+    for (const Sample& earlier : recent)
         travel = std::fmax(travel, forwardTravel(earlier.tip, sample.tip));
-    }
     return travel;
 }
 

@@ -14,10 +14,10 @@ class TapTracker
 public:
     struct Sample
     {
-        std::int64_t time = 0;  ///< microseconds, greater than the one before
-        Vector tip;             ///< mm
-        Vector palm;            ///< mm
-        float tipSpeed = 0.0f;  ///< mm/s
+        std::int64_t time = 0;  // microseconds, greater than the one before
+        Vector tip;             // mm
+        Vector palm;            // mm
+        float tipSpeed = 0.0f;  // mm/s
         bool pointsForward = false;
     };
 
@@ -36,8 +36,8 @@ private:
     Phase phase = Phase::Moving;
     bool still = false;
     std::int64_t stillSince = 0;
-    Sample origin;        ///< where the finger rested last
-    Sample turningPoint;  ///< the farthest forward of the poke
+    Sample origin;        // where the finger rested last
+    Sample turningPoint;  // the farthest forward of the poke
     bool fastEnough = false;
     std::deque<Sample> recent;
     std::int64_t deadUntil = 0;

@@ -59,10 +59,9 @@ int osgKey(const QKeyEvent& event)
 {
     if (event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F35)
         return osgGA::GUIEventAdapter::KEY_F1 + (event.key() - Qt::Key_F1);
-    for (const KeyPair& pair : specialKeys) {
+    for (const KeyPair& pair : specialKeys)
         if (pair.qtKey == event.key())
             return pair.osgKey;
-    }
     return event.text().isEmpty() ? event.key() : event.text().at(0).unicode();
 }
 

@@ -34,33 +34,31 @@ public:
                                     const Change& change = nullptr)
     {
         std::vector<GestureData> seen;
-        const int count = static_cast<int>(seconds * rate);
+        const int count = int(seconds * rate);
         for (int i = 0; i < count; ++i) {
             ++frames;
-            const double time = static_cast<double>(i) / rate;
-            if (dropped && frames % dropped == 0) {
+            const double time = double(i) / rate;
+            if (dropped && frames % dropped == 0)
                 continue;
-            }
             FrameData frame = frameWithTip(path(time));
-            if (change) {
+            if (change)
                 change(time, frame);
-            }
             recognizer.recognize(frame);
             seen.insert(seen.end(), frame.gestures.begin(), frame.gestures.end());
         }
         return seen;
     }
 
-    int dropped = 0;      ///< every so manieth frame never comes
-    double noise = 0.05;  ///< mm
+    int dropped = 0;      // every so manieth frame never comes
+    double noise = 0.05;  // mm
 
 private:
     FrameData frameWithTip(const Vector& offset)
     {
-        std::normal_distribution<float> jitter(0.0f, static_cast<float>(noise));
+        std::normal_distribution<float> jitter(0.0f, float(noise));
         FrameData frame;
         frame.id = frames;
-        frame.timestamp = static_cast<std::int64_t>(frames * 1e6 / rate);
+        frame.timestamp = std::int64_t(frames * 1e6 / rate);
         Leap::HandData hand;
         hand.id = 4;
         hand.palmPosition = Vector(0, 200, 0);
@@ -95,8 +93,8 @@ FingerTrack::Path circle(double radius, double turns, bool clockwise, double tur
     return [=](double time) {
         const double angle = 2.0 * pi * std::min(time * turnsPerSecond, turns);
         const double sense = clockwise ? 1.0 : -1.0;
-        return Vector(static_cast<float>(sense * radius * std::sin(angle)),
-                      static_cast<float>(radius * (std::cos(angle) - 1.0)), 0.0f);
+        return Vector(float(sense * radius * std::sin(angle)),
+                      float(radius * (std::cos(angle) - 1.0)), 0.0f);
     };
 }
 
@@ -104,14 +102,15 @@ FingerTrack::Path poke(double depth, double oneWay)
 {
     return [=](double time) {
         const double share = 1.0 - std::fabs(std::min(time / oneWay, 2.0) - 1.0);
-        return Vector(0.0f, 0.0f, static_cast<float>(-depth * share));
+        return Vector(0.0f, 0.0f, float(-depth * share));
     };
 }
 
 int count(const std::vector<GestureData>& gestures, Gesture::Type type, Gesture::State state)
 {
-    return static_cast<int>(
-        std::count_if(gestures.begin(), gestures.end(), [=](const GestureData& gesture) {
+    return int(std::count_if(
+        gestures.begin(), gestures.end(),
+        [=](const GestureData& gesture) {
             return gesture.type == type && gesture.state == state;
         }));
 }
@@ -187,7 +186,7 @@ TEST(GestureRecognizer, EndsACircleWhenTheFingerLeavesItRestsOrTurnsBack)
         {"leaves",
          [&](double t) {
              Vector tip = turning(std::min(t, 0.75));
-             tip.z = static_cast<float>(std::max(t - 0.75, 0.0) * 900.0);
+             tip.z = float(std::max(t - 0.75, 0.0) * 900.0);
              return tip;
          }},
         {"rests",
@@ -341,7 +340,7 @@ TEST(GestureRecognizer, SeesNothingInAFlatHandThatSteers)
         float pitch = 0.0f;
         float roll = 0.0f;
         for (int i = 0; i < 20 * rate; ++i) {
-            const float step = 1.0f / static_cast<float>(rate);
+            const float step = 1.0f / float(rate);
             pitch += step * (-1.0f * pitch) + std::sqrt(step) * 0.35f * push(random);
             roll += step * (-1.0f * roll) + std::sqrt(step) * 0.35f * push(random);
             PlayedHand& hand = player.hands[0];
@@ -350,7 +349,7 @@ TEST(GestureRecognizer, SeesNothingInAFlatHandThatSteers)
             FrameData frame =
                 Leap::parseMessage(frameMessage(player.nextFrame()).toStdString()).frame;
             recognizer.recognize(frame);
-            gestures += static_cast<int>(frame.gestures.size());
+            gestures += int(frame.gestures.size());
         }
         EXPECT_EQ(gestures, 0);
     }

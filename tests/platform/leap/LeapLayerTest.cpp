@@ -41,11 +41,10 @@ public:
         ++frames;
         for (int i = 0; i < last.gestures().count(); ++i) {
             const Gesture gesture = last.gestures()[i];
-            if (gesture.type() == Gesture::TYPE_SCREEN_TAP) {
+            if (gesture.type() == Gesture::TYPE_SCREEN_TAP)
                 ++taps;
-            } else if (gesture.state() == Gesture::STATE_STOP) {
+            else if (gesture.state() == Gesture::STATE_STOP)
                 circles.push_back(Leap::CircleGesture(gesture));
-            }
         }
     }
 
@@ -89,9 +88,9 @@ public:
 
 bool hasGesturesOn(SensorService& service)
 {
-    return holdsWithin(generousLimit, [&] {
-        return service.received().contains(QStringLiteral("{\"enableGestures\":true}"));
-    });
+    return holdsWithin(
+        generousLimit,
+        [&] { return service.received().contains(QStringLiteral("{\"enableGestures\":true}")); });
 }
 
 long residentKilobytes()
@@ -349,9 +348,8 @@ TEST(LeapLayer, GoesOnAfterEveryKindOfBrokenService)
          [](RawPeer& peer) {
              peer.shakesHands();
              peer.sends(hello);
-             for (int i = 0; i < 100; ++i) {
+             for (int i = 0; i < 100; ++i)
                  peer.sends(RawPeer::textFrame("{\"id\":nan}"));
-             }
              peer.waitsForTheEnd();
          }},
         {"announces an endless frame",
@@ -365,9 +363,8 @@ TEST(LeapLayer, GoesOnAfterEveryKindOfBrokenService)
          [](RawPeer& peer) {
              peer.shakesHands();
              peer.sends(hello + QByteArray::fromHex("017e8000") + QByteArray(0x8000, '['));
-             for (int i = 0; i < 320; ++i) {
+             for (int i = 0; i < 320; ++i)
                  peer.sends(QByteArray::fromHex("007e8000") + QByteArray(0x8000, '['));
-             }
              peer.waitsForTheEnd();
          }},
         {"sends what is no text",
@@ -414,9 +411,8 @@ TEST(LeapLayer, WaitsForASlowHandshake)
 TEST(LeapLayer, PutsTogetherWhatArrivesInPieces)
 {
     RawPeer peer([](RawPeer& self) {
-        if (!self.shakesHands()) {
+        if (!self.shakesHands())
             return;
-        }
         // Two messages at once, then one byte by byte, then one in two parts around a ping.
         self.sends(hello + RawPeer::textFrame(emptyFrame(1)));
         for (const char byte : RawPeer::textFrame(emptyFrame(2))) {
@@ -425,7 +421,7 @@ TEST(LeapLayer, PutsTogetherWhatArrivesInPieces)
         }
         const QByteArray text = emptyFrame(3);
         self.sends(QByteArray::fromHex("0105") + text.left(5) + QByteArray::fromHex("890161") +
-                   QByteArray::fromHex("80") + static_cast<char>(text.size() - 5) + text.mid(5));
+                   QByteArray::fromHex("80") + char(text.size() - 5) + text.mid(5));
         self.waitsForTheEnd();
     });
     Leap::setServiceAddress(peer.url());
@@ -453,8 +449,7 @@ TEST(LeapLayer, ReadsAMessageOfAlmostAMegabyteAndDropsWhatIsMalformed)
     const QByteArray large = emptyFrame(5);
     service.sendsText("{\"id\":nan}");
     service.sendsText("{\"id\":4,\"timestamp\":1,\"hands\":" + QByteArray(5000, '[') + "}");
-    service.sendsText(large +
-                      QByteArray(static_cast<int>(Leap::longestMessage) - large.size(), ' '));
+    service.sendsText(large + QByteArray(int(Leap::longestMessage) - large.size(), ' '));
     ASSERT_TRUE(game.eventually([&] { return game.player.frames == 1; }));
     EXPECT_EQ(game.player.lastFrame().id(), 5);
     EXPECT_EQ(service.connectionCount(), 1);
@@ -481,9 +476,8 @@ TEST(LeapLayer, KeepsItsMemoryFlatUnderAFloodWhileTheListenerSleeps)
         void onFrame(const Controller&) override
         {
             inCall = true;
-            while (asleep) {
+            while (asleep)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
         }
         std::atomic<bool> inCall{false};
         std::atomic<bool> asleep{true};
@@ -543,15 +537,13 @@ TEST(LeapLayer, EndsAtOnceInWhateverStateItIs)
     };
     RawPeer peer([](RawPeer& self) { self.waitsForTheEnd(); });
     Leap::setServiceAddress(peer.url());
-    for (const int livesFor : {0, 1, 20}) {
+    for (const int livesFor : {0, 1, 20})
         EXPECT_LT(timeToEnd(livesFor), 1000);
-    }
     SensorService service;
     service.shows({PlayedHand()});
     service.streams();
-    for (const int livesFor : {0, 1, 5, 20, 100}) {
+    for (const int livesFor : {0, 1, 5, 20, 100})
         EXPECT_LT(timeToEnd(livesFor), 1000);
-    }
 }
 
 TEST(LeapLayer, SurvivesTheEndOfItsControllerInsideACall)

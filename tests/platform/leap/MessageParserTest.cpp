@@ -21,11 +21,11 @@ constexpr int mostMilliseconds = 50 * 20;  // instrumented code is that much slo
 #else
 constexpr int mostMilliseconds = 50;
 #endif
-constexpr int longest = static_cast<int>(Leap::longestMessage);
+constexpr int longest = int(Leap::longestMessage);
 
 Message parseMessage(const QByteArray& text)
 {
-    return Leap::parseMessage({text.constData(), static_cast<std::size_t>(text.size())});
+    return Leap::parseMessage({text.constData(), std::size_t(text.size())});
 }
 
 QByteArray recorded(const char* name)
@@ -49,13 +49,11 @@ QByteArray handWith(const QByteArray& field, const QByteArray& value, int id = 7
             current = value;
             found = true;
         }
-        if (!current.isEmpty()) {
+        if (!current.isEmpty())
             text += (text.isEmpty() ? "" : ",") + ("\"" + key + "\":" + current);
-        }
     }
-    if (!found && !field.isEmpty()) {
+    if (!found && !field.isEmpty())
         text += ",\"" + field + "\":" + value;
-    }
     return "{" + text + "}";
 }
 
@@ -173,21 +171,18 @@ TEST(MessageParser, DropsWhatIsNoFrame)
                              "{\"id\":1.5,\"timestamp\":2,\"hands\":[]}",
                              "{\"id\":1e17,\"timestamp\":2,\"hands\":[]}",
                              "{\"id\":1,\"timestamp\":nan,\"hands\":[]}",
-                             "{\"id\":1,\"timestamp\":2,\"hands\":[]} trailing"}) {
+                             "{\"id\":1,\"timestamp\":2,\"hands\":[]} trailing"})
         EXPECT_TRUE(isMalformed(text)) << text;
-    }
 }
 
 TEST(MessageParser, DropsAHandWithoutAPoseThatCanBeUsed)
 {
     ASSERT_EQ(handsIn(frameWithHand("", "")), 1u);
-    for (const char* field : {"palmPosition", "palmNormal", "direction"}) {
+    for (const char* field : {"palmPosition", "palmNormal", "direction"})
         for (const char* value :
              {"", "null", "\"[0,-1,0]\"", "[]", "[0,-1]", "[0,-1,0,0]", "[0,null,0]",
-              "[0,\"-1\",0]", "[0,1e999,0]", "[0,-1e40,0]", "{\"x\":0}"}) {
+              "[0,\"-1\",0]", "[0,1e999,0]", "[0,-1e40,0]", "{\"x\":0}"})
             EXPECT_EQ(handsIn(frameWithHand(field, value)), 0u) << field << " " << value;
-        }
-    }
     EXPECT_EQ(handsIn(frameWithHand("palmPosition", "[0,10001,0]")), 0u);
     EXPECT_EQ(handsIn(frameWithHand("palmNormal", "[0,-0.4,0]")), 0u);
     EXPECT_EQ(handsIn(frameWithHand("palmNormal", "[0,-1.4,-1.4]")), 0u);
@@ -257,9 +252,8 @@ TEST(MessageParser, CutsTheListsAtWhatAPlayerCanHave)
 TEST(MessageParser, DropsAFrameOfAMillionHands)
 {
     QByteArray hands = "{}";
-    for (int i = 1; i < 1000000; i *= 2) {
+    for (int i = 1; i < 1000000; i *= 2)
         hands += "," + hands;
-    }
     EXPECT_TRUE(isMalformed(frameOf("[" + hands + "]")));
     EXPECT_TRUE(isMalformed(frameOf("[" + hands.left(900000 - 1) + "]")));
     EXPECT_FALSE(isMalformed(frameOf("[" + hands.left(60000 - 1) + "]")));
@@ -326,9 +320,8 @@ TEST(MessageParser, NeedsLessThanFiftyMillisecondsForAMessageUnderAMegabyte)
 {
     const auto filled = [](const QByteArray& item) {
         QByteArray hands = "[" + item;
-        while (hands.size() + item.size() < longest - 100) {
+        while (hands.size() + item.size() < longest - 100)
             hands += "," + item;
-        }
         return frameOf(hands + "]");
     };
     for (const QByteArray& item :
@@ -358,23 +351,22 @@ TEST(MessageParser, StaysWithinItsLimitsWhateverTheTextIs)
     int frames = 0;
     for (int round = 0; round < 3000; ++round) {
         QByteArray text = originals[random() % 3];
-        const int changes = 1 + static_cast<int>(random() % 6);
+        const int changes = 1 + int(random() % 6);
         for (int i = 0; i < changes; ++i) {
-            const int at = static_cast<int>(random() % static_cast<unsigned>(text.size()));
+            const int at = int(random() % unsigned(text.size()));
             switch (random() % 3) {
             case 0:
                 text[at] = pieces[random() % (sizeof pieces - 1)];
                 break;
             case 1:
-                text.remove(at, 1 + static_cast<int>(random() % 40));
+                text.remove(at, 1 + int(random() % 40));
                 break;
             default:
-                text.insert(at, text.mid(static_cast<int>(random() % 4000), 30));
+                text.insert(at, text.mid(int(random() % 4000), 30));
                 break;
             }
-            if (text.isEmpty()) {
+            if (text.isEmpty())
                 break;
-            }
         }
         const Message message = parseMessage(text);
         frames += message.kind == Message::Kind::Frame;

@@ -46,9 +46,8 @@ TEST(MessageReader, RefusesWhatTheGrammarRefuses)
           "{1:2}", "\"",   "\"\\x\"", "\"\\u12g4\"", "\"\\u12",     "\"\n\"", "tru",
           "truee", "nul",  "nan",     "NaN",         "inf",         "-",      "+1",
           "01",    ".5",   "1.",      "1e",          "1e+",         "0x10",   "1,5",
-          "1 1",   "[1]]", "'a'",     "--1",         "\"a\" \"b\"", "// a\n1"}) {
+          "1 1",   "[1]]", "'a'",     "--1",         "\"a\" \"b\"", "// a\n1"})
         EXPECT_FALSE(isRead(text)) << text;
-    }
     EXPECT_FALSE(isRead(std::string_view("[1\0]", 4)));
     EXPECT_FALSE(isRead(std::string_view("1\0", 2)));
 }
@@ -91,16 +90,14 @@ TEST(MessageReader, LeavesOutFieldsThatNobodyAskedFor)
 TEST(MessageReader, StopsAtItsLimits)
 {
     const auto nested = [](int levels) {
-        return std::string(static_cast<std::size_t>(levels), '[') +
-               std::string(static_cast<std::size_t>(levels), ']');
+        return std::string(std::size_t(levels), '[') + std::string(std::size_t(levels), ']');
     };
     EXPECT_TRUE(isRead(nested(16)));
     EXPECT_FALSE(isRead(nested(17)));
     EXPECT_FALSE(isRead(std::string(1000000, '[')));
     std::string list = "[0";
-    for (int i = 2; i < 50000; ++i) {
+    for (int i = 2; i < 50000; ++i)
         list += ",0";
-    }
     EXPECT_TRUE(isRead(list + "]"));
     EXPECT_FALSE(isRead(list + ",0]"));
 }

@@ -24,9 +24,8 @@ RawPeer::RawPeer(std::function<void(RawPeer&)> script_) : script(std::move(scrip
     socklen_t size = sizeof address;
     if (bind(listening, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
         listen(listening, 16) != 0 ||
-        getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+        getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size) != 0)
         qFatal("no free port for a bare peer");
-    }
     port = ntohs(address.sin_port);
     thread = std::thread([this] { serve(); });
 }
@@ -49,14 +48,12 @@ bool RawPeer::shakesHands()
     char buffer[1024];
     while (!request.contains("\r\n\r\n")) {
         const ssize_t count = recv(client, buffer, sizeof buffer, 0);
-        if (count == 0 || over) {
+        if (count == 0 || over)
             return false;
-        }
-        if (count > 0) {
-            request.append(buffer, static_cast<int>(count));
-        } else {
+        if (count > 0)
+            request.append(buffer, int(count));
+        else
             waits(1);
-        }
     }
     const QByteArray name = "Sec-WebSocket-Key: ";
     const int at = request.indexOf(name) + name.size();
@@ -74,10 +71,10 @@ bool RawPeer::sends(const QByteArray& bytes)
 {
     int sent = 0;
     while (sent < bytes.size() && !over) {
-        const ssize_t count = send(client, bytes.constData() + sent,
-                                   static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL);
+        const ssize_t count =
+            send(client, bytes.constData() + sent, std::size_t(bytes.size() - sent), MSG_NOSIGNAL);
         if (count > 0) {
-            sent += static_cast<int>(count);
+            sent += int(count);
         } else if (errno == EAGAIN) {
             pollfd full{client, POLLOUT, 0};
             poll(&full, 1, pollInterval);
@@ -90,13 +87,13 @@ bool RawPeer::sends(const QByteArray& bytes)
 
 QByteArray RawPeer::textFrame(const QByteArray& text)
 {
-    QByteArray frame(1, static_cast<char>(0x81));
+    QByteArray frame(1, char(0x81));
     if (text.size() < 126) {
-        frame.append(static_cast<char>(text.size()));
+        frame.append(char(text.size()));
     } else {
-        frame.append(static_cast<char>(126));
-        frame.append(static_cast<char>(text.size() >> 8));
-        frame.append(static_cast<char>(text.size() & 0xff));
+        frame.append(char(126));
+        frame.append(char(text.size() >> 8));
+        frame.append(char(text.size() & 0xff));
     }
     return frame + text;
 }
@@ -106,9 +103,8 @@ void RawPeer::waitsForTheEnd()
     char buffer[1024];
     while (!over) {
         const ssize_t count = recv(client, buffer, sizeof buffer, 0);
-        if (count == 0 || (count < 0 && errno != EAGAIN)) {
+        if (count == 0 || (count < 0 && errno != EAGAIN))
             return;
-        }
         pollfd silent{client, POLLIN, 0};
         poll(&silent, 1, pollInterval);
     }
@@ -116,22 +112,19 @@ void RawPeer::waitsForTheEnd()
 
 void RawPeer::waits(int milliseconds)
 {
-    for (int i = 0; i < milliseconds && !over; ++i) {
+    for (int i = 0; i < milliseconds && !over; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
 }
 
 void RawPeer::serve()
 {
     while (!over) {
         pollfd waiting{listening, POLLIN, 0};
-        if (poll(&waiting, 1, pollInterval) <= 0) {
+        if (poll(&waiting, 1, pollInterval) <= 0)
             continue;
-        }
         client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (client < 0) {
+        if (client < 0)
             continue;
-        }
         ++connections;
         script(*this);
         close(client);

@@ -54,18 +54,15 @@ public:
         {
             const std::lock_guard<std::mutex> lock(mutex);
             frames.push_back(frame.id());
-            for (int i = 0; i < frame.gestures().count(); ++i) {
+            for (int i = 0; i < frame.gestures().count(); ++i)
                 gestures.push_back(frame.gestures()[i].id());
-            }
         }
         ++entered;
-        while (held) {
+        while (held)
             std::this_thread::yield();
-        }
         sameAtEnd = controller.frame(0).id() == frame.id();
-        if (during) {
+        if (during)
             during(controller);
-        }
         ++left;
     }
 
@@ -150,9 +147,8 @@ TEST_F(SessionTest, DropsAllButTheNewestWhileAListenerIsBusy)
     session->addListener(listener);
     session->publish(frameNumber(1));
     ASSERT_TRUE(eventually([&] { return listener.entered == 1; }));
-    for (int id = 2; id <= 1000; ++id) {
+    for (int id = 2; id <= 1000; ++id)
         session->publish(frameNumber(id));
-    }
     EXPECT_EQ(session->frame().id(), 1000) << "outside a call, frame(0) is the newest";
     listener.held = false;
     ASSERT_TRUE(eventually([&] { return listener.left == 2; }));
@@ -200,9 +196,8 @@ TEST_F(SessionTest, KeepsABoundedNumberOfGestures)
     session->addListener(listener);
     session->publish(frameNumber(1));
     ASSERT_TRUE(eventually([&] { return listener.entered == 1; }));
-    for (int id = 2; id <= 500; ++id) {
+    for (int id = 2; id <= 500; ++id)
         session->publish(frameWithTap(id));
-    }
     listener.held = false;
     ASSERT_TRUE(eventually([&] { return listener.left == 2; }));
     session->removeListener(listener);
@@ -261,9 +256,8 @@ TEST_F(SessionTest, TellsOfTheConnectionBeforeTheFirstFrame)
     session->setFocused(true);
     Recorder listener;
     listener.during = [&](const Controller&) {
-        if (listener.left == 0) {
+        if (listener.left == 0)
             EXPECT_EQ(listener.calls(), "init connect focus");
-        }
     };
     session->addListener(listener);
     session->publish(frameNumber(1));

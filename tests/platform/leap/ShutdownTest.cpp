@@ -57,13 +57,11 @@ void makeControllerOfExitHandler()
     auto* service = new SensorService;
     service->shows({PlayedHand()});
     makeControllerOfExitHandler();
-    if (!service->hasClient()) {
+    if (!service->hasClient())
         std::_Exit(1);
-    }
     service->streams();
-    if (!holdsWithin(20000, [] { return counter().frames > 10; })) {
+    if (!holdsWithin(20000, [] { return counter().frames > 10; }))
         std::_Exit(2);
-    }
     exitAfter(0);
 }
 
@@ -72,9 +70,8 @@ void makeControllerOfExitHandler()
     auto* peer = new RawPeer([](RawPeer& self) { self.waitsForTheEnd(); });
     Leap::setServiceAddress(peer->url());
     makeControllerOfExitHandler();
-    if (!holdsWithin(20000, [&] { return peer->connectionCount() > 0; })) {
+    if (!holdsWithin(20000, [&] { return peer->connectionCount() > 0; }))
         std::_Exit(1);
-    }
     exitAfter(0);
 }
 
@@ -88,16 +85,14 @@ protected:
 
 TEST_F(LeapShutdownDeathTest, ExitsCleanlyWithoutAService)
 {
-    for (const int milliseconds : {0, 1, 2, 3, 5, 10, 100, 700}) {
+    for (const int milliseconds : {0, 1, 2, 3, 5, 10, 100, 700})
         EXPECT_EXIT(exitWithoutAService(milliseconds), testing::ExitedWithCode(0), "");
-    }
 }
 
 TEST_F(LeapShutdownDeathTest, ExitsCleanlyWithAHandInView)
 {
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 5; ++round)
         EXPECT_EXIT(exitWithAHandInView(), testing::ExitedWithCode(0), "");
-    }
 }
 
 TEST_F(LeapShutdownDeathTest, ExitsCleanlyDuringAHandshake)
