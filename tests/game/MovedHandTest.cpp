@@ -203,21 +203,25 @@ public:
     /// A hand over a sensor.
     Run playsByHand(const QImage& picture)
     {
-        return plays(picture, [this](TiltPlayer& player) {
-            const PlayedHand wanted = player.hand();
-            server.player().hands = {isPlaying() ? wanted : player.restingHand()};
-        });
+        return plays(
+            picture,
+            [this](TiltPlayer& player) {
+                const PlayedHand wanted = player.hand();
+                server.player().hands = {isPlaying() ? wanted : player.restingHand()};
+            });
     }
 
     /// Nothing but the two numbers of a stick, let go while the game waits.
     Run playsByStick(const QImage& picture, VirtualPad& pad)
     {
-        return plays(picture, [&](TiltPlayer& player) {
-            const PlayedHand wanted = player.hand();
-            const QVector2D stick =
-                isPlaying() ? stickFor(QVector2D(-wanted.roll, -wanted.pitch)) : QVector2D();
-            pad.leftStick(double(stick.x()), double(stick.y()));
-        });
+        return plays(
+            picture,
+            [&](TiltPlayer& player) {
+                const PlayedHand wanted = player.hand();
+                const QVector2D stick =
+                    isPlaying() ? stickFor(QVector2D(-wanted.roll, -wanted.pitch)) : QVector2D();
+                pad.leftStick(double(stick.x()), double(stick.y()));
+            });
     }
 
     static QVector2D stickFor(const QVector2D& tilt)

@@ -143,6 +143,6 @@ void Gamepads::close(int id)
 
 std::vector<Gamepads::Pad>::iterator Gamepads::find(int id)
 {
-    return std::find_if(pads.begin(), pads.end(),
-                        [id](const Pad& pad) { return idOf(pad.controller) == id; });
+    return std::find_if(
+        pads.begin(), pads.end(), [id](const Pad& pad) { return idOf(pad.controller) == id; });
 }

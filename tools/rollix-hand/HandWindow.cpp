@@ -54,7 +54,8 @@ HandWindow::HandWindow(SensorServer& server_, int framesPerSecond)
     layout->addWidget(clients);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
-    connect(handPad, &HandPad::taken, this, [this] { source = Source::Mouse; });
+    connect(
+        handPad, &HandPad::taken, this, [this] { source = Source::Mouse; });
     connect(handPad, &HandPad::tapped, this, [this] { motion.tap(); });
     connect(handPad, &HandPad::circled, this, &HandWindow::circle);
     connect(&server, &SensorServer::frameDue, this, &HandWindow::prepareFrame);
@@ -87,12 +88,11 @@ void HandWindow::usePads()
         source = Source::Gamepad;
     else if (pads.hasLostPad() && source == Source::Gamepad)
         source = Source::None;
-    for (const Gamepads::Press press : pads.presses()) {
+    for (const Gamepads::Press press : pads.presses())
         if (press == Gamepads::Press::Tap)
             motion.tap();
         else
             circle(press == Gamepads::Press::CircleOn);
-    }
 }
 
 HandWish HandWindow::wish()

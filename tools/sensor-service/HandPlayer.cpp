@@ -37,9 +37,9 @@ void HandPlayer::circle(double turns, bool clockwise)
 
 bool HandPlayer::isTapping() const
 {
-    return std::any_of(movements.begin(), movements.end(), [](const Movement& movement) {
-        return movement.type == PlayedGesture::Type::ScreenTap;
-    });
+    return std::any_of(
+        movements.begin(), movements.end(),
+        [](const Movement& movement) { return movement.type == PlayedGesture::Type::ScreenTap; });
 }
 
 PlayedFrame HandPlayer::nextFrame()
