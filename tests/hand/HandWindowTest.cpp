@@ -8,6 +8,7 @@
 #include <QCursor>
 #include <QProcess>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QWebSocket>
 #include <QWheelEvent>
@@ -436,6 +437,16 @@ TEST_F(HandWindowTest, SaysWhetherAGameListens)
         EXPECT_TRUE(waitUntil([this] { return window.status() == "The game listens."; }));
     }
     EXPECT_TRUE(waitUntil([this] { return window.status() == "No game listens yet."; }));
+}
+
+TEST_F(HandWindowTest, LetsNoFrameWaitForTheAnswerToTheOneBefore)
+{
+    QWebSocket game;
+    game.open(QUrl(QString("ws://127.0.0.1:%1/v6.json").arg(server.port())));
+    ASSERT_TRUE(waitUntil([this] { return server.clientCount() == 1; }));
+    const auto sockets = server.findChildren<QTcpSocket*>();
+    ASSERT_EQ(sockets.size(), 1);
+    EXPECT_EQ(sockets[0]->socketOption(QAbstractSocket::LowDelayOption).toInt(), 1);
 }
 
 TEST_F(HandWindowTest, LeavesWithALevelHandWhenItIsClosed)

@@ -1,6 +1,8 @@
 #include "SensorServer.h"
 
 #include <QHostAddress>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
@@ -18,12 +20,14 @@ SensorServer::SensorServer(const Behaviour& behaviour_, QObject* parent)
     : QObject(parent),
       behaviour(behaviour_),
       handPlayer(behaviour_.framesPerSecond, behaviour_.pace),
+      door(new QTcpServer(this)),
       server(new QWebSocketServer(QStringLiteral("sensor"), QWebSocketServer::NonSecureMode, this)),
       timer(this)
 {
     timer.setTimerType(Qt::PreciseTimer);
     timer.setInterval(1000 / behaviour.framesPerSecond);
     connect(&timer, &QTimer::timeout, this, &SensorServer::sendFrame);
+    connect(door, &QTcpServer::newConnection, this, &SensorServer::open);
     connect(server, &QWebSocketServer::newConnection, this, &SensorServer::accept);
 }
 
@@ -34,11 +38,12 @@ SensorServer::~SensorServer()
 
 bool SensorServer::listen(quint16 port)
 {
-    return server->listen(QHostAddress::LocalHost, port);
+    return door->listen(QHostAddress::LocalHost, port);
 }
 
 void SensorServer::close()
 {
+    door->close();
     server->close();
     const std::vector<Client> all = clients;
     for (const Client& client : all)
@@ -47,12 +52,12 @@ void SensorServer::close()
 
 quint16 SensorServer::port() const
 {
-    return server->serverPort();
+    return door->serverPort();
 }
 
 QString SensorServer::errorString() const
 {
-    return server->errorString();
+    return door->errorString();
 }
 
 void SensorServer::sendFrame()
@@ -104,6 +109,16 @@ int SensorServer::focusedCount() const
 {
     return int(std::count_if(
         clients.begin(), clients.end(), [](const Client& client) { return client.focused; }));
+}
+
+// A frame must not wait until the client has answered to the one before, which takes it up to 40
+// ms.
+void SensorServer::open()
+{
+    while (QTcpSocket* socket = door->nextPendingConnection()) {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        server->handleConnection(socket);
+    }
 }
 
 void SensorServer::accept()

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+class QTcpServer;
 class QWebSocket;
 class QWebSocketServer;
 
@@ -72,6 +73,7 @@ private:
         bool background = false;
     };
 
+    void open();
     void accept();
     void obey(QWebSocket* socket, const QString& message);
     void forget(QWebSocket* socket);
@@ -79,7 +81,9 @@ private:
 
     Behaviour behaviour;
     HandPlayer handPlayer;
-    QWebSocketServer* server;  // a child, which moves to another thread along with its parent
+    // Children, which move to another thread along with their parent.
+    QTcpServer* door;
+    QWebSocketServer* server;
     QTimer timer;
     std::vector<Client> clients;
     qint64 connections = 0;

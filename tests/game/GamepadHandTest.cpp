@@ -1,41 +1,20 @@
-// The hand that mouse and gamepad move, over the socket in the real game. Two of its frames come in
-// a tick, as they do at the rates that both have.
-
-#include "HandGameTest.h"
-#include "HandPad.h"
-#include "HandWindow.h"
+#include "MovedHandTest.h"
 #include "StickCurve.h"
 #include "TiltPlayer.h"
-#include "game/Rollix.h"
 #include "hand/HandCamera.h"
-#include "hand/LeapManager.h"
 #include "hud/MenuHUD.h"
 #include "level/Level.h"
-#include "platform/leap/ServiceAddress.h"
-#include "support/EventLoop.h"
 #include "support/VirtualPad.h"
 
-#include <QApplication>
-#include <QCursor>
-#include <QElapsedTimer>
-#include <QMouseEvent>
-#include <QThread>
-#include <QWheelEvent>
-#include <osg/Math>
-
 #include <algorithm>
-#include <cmath>
-#include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
-constexpr int framesPerSecond = 100;
-constexpr int framesPerTick = 2;
-constexpr int oneSecond = 50;       // ticks
-constexpr int longestRun = 15000;   // ticks
-constexpr double leastTurn = 0.05;  // rad/s that a ball alone does not give the board
-
 using Button = VirtualPad::Button;
+
+constexpr int longestRun = 15000;  // ticks
 
 QImage trueLevel(unsigned int number)
 {
@@ -63,63 +42,9 @@ QImage middlingLevel()
 
 }  // namespace
 
-class MovedHandTest : public HandGameTest
+class GamepadHandTest : public MovedHandTest
 {
 public:
-    MovedHandTest()
-    {
-        EXPECT_TRUE(server.listen(0));
-        Leap::setServiceAddress(SensorService::urlOfPort(server.port()));
-        const int connections = witness.connections();
-        LeapManager::setListener(&witness);
-        EXPECT_TRUE(waitUntil([&] { return witness.connections() > connections; }));
-        witness.forgets();
-    }
-
-    /// The window with all that moves the hand; until then the test holds it.
-    void opensWindow()
-    {
-        window = std::make_unique<HandWindow>(server, framesPerSecond);
-        window->move(400, 100);
-        window->show();
-        QApplication::processEvents();
-    }
-
-    /// Sends a frame; returns when the game has served it.
-    void handFrame()
-    {
-        if (HasFatalFailure())
-            return;
-        server.sendFrame();
-        ++sent;
-        ASSERT_TRUE(servesEventsUntil([this] { return witness.newestServed() == sent; }));
-        if (sent % 1000 == 0)
-            witness.forgets();
-    }
-
-    void playsTicks(int count = 1)
-    {
-        for (int i = 0; i < count; ++i) {
-            for (int frame = 0; frame < framesPerTick; ++frame)
-                handFrame();
-            ticks();
-        }
-    }
-
-    /// Ticks until the condition holds, or -1.
-    template <class Condition>
-    int playsUntil(Condition condition, int limit = 5 * oneSecond)
-    {
-        for (int i = 0; i <= limit; ++i) {
-            if (condition())
-                return i;
-            playsTicks();
-        }
-        return -1;
-    }
-
-    bool isPlaying() const { return game.state == GameState::Playing; }
-
     /// By pad: play has begun under a level hand.
     void startsByPad(VirtualPad& pad)
     {
@@ -129,42 +54,6 @@ public:
         playsTicks(oneSecond);
         ASSERT_TRUE(isPlaying());
         ASSERT_LT(tiltDegrees(), 1.0);
-    }
-
-    void mouse(QEvent::Type type, Qt::MouseButton button)
-    {
-        const QPoint middle = window->pad().rect().center();
-        QMouseEvent event(type, middle, button, button, Qt::NoModifier);
-        QApplication::sendEvent(&window->pad(), &event);
-    }
-
-    void clicks(Qt::MouseButton button)
-    {
-        mouse(QEvent::MouseButtonPress, button);
-        mouse(QEvent::MouseButtonRelease, button);
-    }
-
-    void turnsWheel(int notches)
-    {
-        QWheelEvent event(QPointF(50, 50), QPointF(50, 50), QPoint(), QPoint(0, notches * 120),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&window->pad(), &event);
-    }
-
-    /// The display's pointer, one way in a frame.
-    static void movesPointer(int right, int down)
-    {
-        QCursor::setPos(QCursor::pos() + QPoint(right, down));
-    }
-
-    /// Any way to the right, in steps that the screen has room for.
-    void drags(int pixels)
-    {
-        constexpr int step = 100;
-        for (int moved = 0; moved < pixels; moved += step) {
-            movesPointer(std::min(step, pixels - moved), 0);
-            handFrame();
-        }
     }
 
     void loadsPicture(const QImage& picture)
@@ -235,37 +124,9 @@ public:
         }
         return high * tilt.normalized();
     }
-
-    template <class Condition>
-    static bool servesEventsUntil(Condition condition)
-    {
-        constexpr qint64 limit = 20000;  // milliseconds
-        QElapsedTimer clock;
-        clock.start();
-        while (!condition()) {
-            if (clock.elapsed() > limit)
-                return false;
-            QCoreApplication::processEvents();
-            QThread::yieldCurrentThread();
-        }
-        return true;
-    }
-
-    static SensorServer::Behaviour behaviour()
-    {
-        SensorServer::Behaviour quick;
-        quick.framesPerSecond = framesPerSecond;
-        quick.pace = 3.0;
-        quick.mindsFocus = false;
-        return quick;
-    }
-
-    SensorServer server{behaviour()};
-    std::unique_ptr<HandWindow> window;
-    std::int64_t sent = 0;
 };
 
-TEST_F(MovedHandTest, BeginsPlayWithTheFirstTouchOfAStick)
+TEST_F(GamepadHandTest, BeginsPlayWithTheFirstTouchOfAStick)
 {
     opensWindow();
     VirtualPad pad;
@@ -277,15 +138,14 @@ TEST_F(MovedHandTest, BeginsPlayWithTheFirstTouchOfAStick)
     EXPECT_LE(waited, 1);
 }
 
-TEST_F(MovedHandTest, BeginsPlayByItselfWithinASecondOfLettingTheStickGo)
+TEST_F(GamepadHandTest, BeginsPlayByItselfWithinASecondOfLettingTheStickGo)
 {
     opensWindow();
     VirtualPad pad;
     startsByPad(pad);
     pad.leftStick(1.0, 0.5);
     playsTicks(oneSecond);
-    putsBall({0.0, 0.0, -8.0});
-    ASSERT_GE(playsUntil([this] { return level().livesLeft() == 4; }), 0);
+    loads({"#####", "#.S.#", "#####"});
     playsTicks(oneSecond);
     ASSERT_EQ(game.state, GameState::WaitingForRest) << "no hand at rest is that far off";
     pad.leftStick(0.1, 0.05);
@@ -294,7 +154,7 @@ TEST_F(MovedHandTest, BeginsPlayByItselfWithinASecondOfLettingTheStickGo)
     EXPECT_LE(waited, oneSecond);
 }
 
-TEST_F(MovedHandTest, TurnsTheBoardWithinTwoTicksOfTheStick)
+TEST_F(GamepadHandTest, TurnsTheBoardWithinTwoTicksOfTheStick)
 {
     opensWindow();
     VirtualPad pad;
@@ -318,26 +178,7 @@ TEST_F(MovedHandTest, TurnsTheBoardWithinTwoTicksOfTheStick)
     }
 }
 
-TEST_F(MovedHandTest, TurnsTheBoardWithinTwoTicksOfTheMouse)
-{
-    opensWindow();
-    clicks(Qt::LeftButton);
-    playsTicks(oneSecond);
-    ASSERT_TRUE(isPlaying());
-    // Up to the game's dead zone, and then over it when all frames before a tick have gone.
-    drags(780);
-    playsTicks(oneSecond);
-    ASSERT_LT(boardTurn().length(), leastTurn);
-    for (int i = 0; i < framesPerTick; ++i)
-        handFrame();
-    movesPointer(400, 0);
-    ticks();
-    ASSERT_LT(boardTurn().length(), leastTurn);
-    playsTicks();
-    EXPECT_GT(boardTurn().y(), leastTurn);
-}
-
-TEST_F(MovedHandTest, LeavesABoardThatHasComeToRestWhenThePadIsUnplugged)
+TEST_F(GamepadHandTest, LeavesABoardThatHasComeToRestWhenThePadIsUnplugged)
 {
     opensWindow();
     VirtualPad pad;
@@ -359,7 +200,7 @@ TEST_F(MovedHandTest, LeavesABoardThatHasComeToRestWhenThePadIsUnplugged)
     EXPECT_GT(tiltDegrees(), left + 5.0) << "now the keys have it";
 }
 
-TEST_F(MovedHandTest, TurnsTheCameraByTheRightStickAndPlaysOnByItself)
+TEST_F(GamepadHandTest, TurnsTheCameraByTheRightStickAndPlaysOnByItself)
 {
     opensWindow();
     VirtualPad pad;
@@ -382,29 +223,7 @@ TEST_F(MovedHandTest, TurnsTheCameraByTheRightStickAndPlaysOnByItself)
     EXPECT_LE(waited, oneSecond);
 }
 
-TEST_F(MovedHandTest, DragsTheCameraByTheMouseAndStopsWithIt)
-{
-    opensWindow();
-    clicks(Qt::LeftButton);
-    playsTicks(oneSecond);
-    const float angle = game.handCamera->angle();
-    mouse(QEvent::MouseButtonPress, Qt::RightButton);
-    playsTicks(2);
-    ASSERT_EQ(game.state, GameState::CameraControl);
-    drags(900);
-    playsTicks(2 * oneSecond);
-    const float turned = game.handCamera->angle();
-    EXPECT_NEAR(turned - angle, osg::PI_4, 0.05)
-        << "three centimetres are an eighth of the way round";
-    playsTicks(oneSecond);
-    EXPECT_EQ(game.handCamera->angle(), turned);
-    mouse(QEvent::MouseButtonRelease, Qt::RightButton);
-    const int waited = playsUntil([this] { return isPlaying(); });
-    EXPECT_GE(waited, 0);
-    EXPECT_LE(waited, oneSecond);
-}
-
-TEST_F(MovedHandTest, WorksTheMenuByThePadAndPlaysOnByItself)
+TEST_F(GamepadHandTest, WorksTheMenuByThePadAndPlaysOnByItself)
 {
     opensWindow();
     VirtualPad pad;
@@ -437,36 +256,7 @@ TEST_F(MovedHandTest, WorksTheMenuByThePadAndPlaysOnByItself)
     EXPECT_TRUE(isPlaying());
 }
 
-TEST_F(MovedHandTest, WorksTheMenuByTheMouseAndPlaysOnByItself)
-{
-    opensWindow();
-    clicks(Qt::LeftButton);
-    playsTicks(oneSecond);
-    ASSERT_TRUE(isPlaying());
-    drags(3000);
-    playsTicks(oneSecond);
-    EXPECT_NEAR(tiltDegrees(), 3000.0 * 25.0 / 3600.0 - 5.7, 2.0) << "but for the game's dead zone";
-    clicks(Qt::LeftButton);
-    const int opened = playsUntil([this] { return game.pauseMenu->isVisible(); });
-    EXPECT_GE(opened, 0);
-    EXPECT_LE(opened, oneSecond / 2);
-    for (int i = 0; i < 4 && selectedLine() != "Continue"; ++i) {
-        turnsWheel(-1);
-        playsTicks(oneSecond);
-    }
-    EXPECT_EQ(selectedLine(), "Continue");
-    turnsWheel(1);
-    playsTicks(oneSecond);
-    EXPECT_EQ(selectedLine(), "Previous Level");
-    turnsWheel(-1);
-    playsTicks(oneSecond);
-    clicks(Qt::LeftButton);
-    playsTicks(oneSecond);
-    EXPECT_FALSE(game.pauseMenu->isVisible());
-    EXPECT_TRUE(isPlaying());
-}
-
-TEST_F(MovedHandTest, WinsByAStickAsWellAsByAHand)
+TEST_F(GamepadHandTest, WinsByAStickAsWellAsByAHand)
 {
     const QImage levels[] = {trueLevel(0), middlingLevel()};
     std::vector<Run> byHand;
@@ -474,6 +264,8 @@ TEST_F(MovedHandTest, WinsByAStickAsWellAsByAHand)
         byHand.push_back(playsByHand(picture));
     opensWindow();
     VirtualPad pad;
+    loads({"#####", "#.S.#", "#####"});
+    startsByPad(pad);
     for (std::size_t i = 0; i < byHand.size(); ++i) {
         SCOPED_TRACE(i);
         const Run byStick = playsByStick(levels[i], pad);
