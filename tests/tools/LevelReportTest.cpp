@@ -205,6 +205,17 @@ TEST(LevelReport, TellsOfASoundLevelHowTheBallComesThrough)
     EXPECT_EQ(ways(LevelPicture({"S#G"})), Lines{});
 }
 
+TEST(LevelReport, TellsHowMuchOfTheWayIsNotTheOnlyOne)
+{
+    const auto beside = [](const LevelPicture& picture) {
+        return LevelReport(picture.image()).waysBeside();
+    };
+    EXPECT_EQ(beside(LevelPicture({"S......", ".    ..", ".    ..", "....R.G"})),
+              "another way, round a wall or a hole, leads along 1 of its 2 stretches from flag to "
+              "flag");
+    EXPECT_EQ(beside(LevelPicture({"S#G"})), "");
+}
+
 TEST(LevelReport, WarnsOfFlagsOfWhichOneRunCannotPassBoth)
 {
     // From the start, half a unit higher, the ball rolls down to either side and never back.
@@ -254,6 +265,8 @@ TEST_F(LevelReportOfAFile, TellsSummaryAndBlocks)
                              "  column 0, row 0: start; 0.5 high; group 255\n"
                              "  column 1, row 0: goal, 50 coins; 0.5 high; group 255\n"
                              "  a way of 2 cells leads by all flags to the goal\n"
+                             "  another way, round a wall or a hole, leads along 0 of its 1 "
+                             "stretches from flag to flag\n"
                              "  (judged from the picture, by the figures of docs/levels.md)\n");
 }
 

@@ -1,6 +1,7 @@
 #include "LevelReport.h"
 
 #include "BlockWords.h"
+#include "OtherWays.h"
 #include "PictureFaults.h"
 #include "level/BlockOptions.h"
 #include "level/BlockShape.h"
@@ -127,6 +128,8 @@ int reportPicture(const std::string& file, const QImage& picture, const std::str
     print(warnings, "warning: ", out);
     if (!onlyWarnings) {
         print(report.ways(), "", out);
+        if (const std::string beside = report.waysBeside(); !beside.empty())
+            out << "  " << beside << std::endl;
         out << "  (judged from the picture, by the figures of docs/levels.md)" << std::endl;
     }
     return warnings.empty() ? sound : doubtful;
@@ -340,23 +343,29 @@ void LevelReport::warnOfOrder(Lines& lines) const
                         ": from this flag, which must be passed, no way leads on to the goal");
 }
 
+/// Start, flags and goal. Only where there are all three and not too many.
+LevelReport::Cells LevelReport::tour() const
+{
+    Cells stations = inOrder();
+    stations.insert(stations.begin(), starts.back());
+    stations.push_back(goals.front());
+    return stations;
+}
+
 LevelReport::Lines LevelReport::ways() const
 {
     if (!levelWays || goals.empty() || flags.size() > mostFlags)
         return {};
     Lines lines;
     std::size_t length = 1;
-    Cells stations = inOrder();
-    CellPosition here = starts.back();
-    stations.push_back(goals.front());
-    for (const CellPosition& station : stations) {
-        const std::vector<Stride> way = levelWays->way(here, station);
+    const Cells stations = tour();
+    for (std::size_t i = 1; i < stations.size(); ++i) {
+        const std::vector<Stride> way = levelWays->way(stations[i - 1], stations[i]);
         if (way.empty())
             return {};
         length += way.size() - 1;
         const Lines taken = feats(way);
         lines.insert(lines.end(), taken.begin(), taken.end());
-        here = station;
     }
     const std::map<int, int> waiting = groupsWith(waitsForButtons);
     for (const auto& [alpha, button] : levelWays->openingButtons()) {
@@ -366,10 +375,17 @@ LevelReport::Lines LevelReport::ways() const
     }
     const std::string intro =
         "a way of " + std::to_string(length) + " cells leads by all flags to the goal";
-    if (lines.empty())
-        return {intro};
-    lines.insert(lines.begin(), intro + ", and takes:");
+    lines.insert(lines.begin(), lines.empty() ? intro : intro + ", and takes:");
     return lines;
+}
+
+std::string LevelReport::waysBeside() const
+{
+    if (ways().empty())
+        return "";
+    const OtherWays others = otherWays(map, tour());
+    return "another way, round a wall or a hole, leads along " + std::to_string(others.twofold) +
+           " of its " + std::to_string(others.stretches) + " stretches from flag to flag";
 }
 
 int reportLevel(const std::string& file, bool onlyWarnings, std::ostream& out)

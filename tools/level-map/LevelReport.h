@@ -31,6 +31,8 @@ public:
     std::vector<std::string> warnings() const;
     /// How the ball comes through the level, and by what that was judged; empty where it does not.
     std::vector<std::string> ways() const;
+    /// How many stretches of that way are not the only one; empty where there is no way.
+    std::string waysBeside() const;
 
 private:
     using Cells = std::vector<CellPosition>;
@@ -40,6 +42,7 @@ private:
     /// How many of such blocks there are in each group that has any.
     std::map<int, int> groupsWith(const LevelMap::PixelTest& test) const;
     Cells inOrder() const;
+    Cells tour() const;
 
     void warnOfSize(Lines& lines) const;
     void warnOfStartAndGoal(Lines& lines) const;

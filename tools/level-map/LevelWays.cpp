@@ -65,7 +65,9 @@ CellPosition opposite(const CellPosition& way)
 
 }  // namespace
 
-LevelWays::LevelWays(const LevelMap& levelMap, const CellPosition& start) : map(levelMap)
+LevelWays::LevelWays(const LevelMap& levelMap, const CellPosition& start,
+                     std::vector<CellPosition> closedCells)
+    : map(levelMap), closed(std::move(closedCells))
 {
     for (const CellPosition& cell : map.cellsWhere([](const LevelPixel& pixel) {
              return blockKindOfHue(pixel.hue) == BlockKind::Portal;
@@ -265,6 +267,11 @@ void LevelWays::land(const CellPosition& cell, Move by, const Reached& reached) 
     reached({cell, drawsIn}, by);
 }
 
+bool LevelWays::isClosed(const CellPosition& cell) const
+{
+    return std::find(closed.begin(), closed.end(), cell) != closed.end();
+}
+
 /// Whether it moves or changes: by itself, or by a button in reach.
 bool LevelWays::isWorked(const CellPosition& cell) const
 {
@@ -280,7 +287,7 @@ bool LevelWays::isWorked(const CellPosition& cell) const
 /// Whether the ball can be on its block, at some time, without being lost.
 bool LevelWays::carries(const CellPosition& cell) const
 {
-    if (!map.hasFloor(cell))
+    if (!map.hasFloor(cell) || isClosed(cell))
         return false;
     const int saturation = map.pixel(cell).saturation;
     if (map.is(cell, BlockKind::Ghost))
@@ -304,6 +311,8 @@ bool LevelWays::canBeAir(const CellPosition& cell) const
 /// Whether a ball at this height can be over the cell.
 bool LevelWays::isLowerThan(const CellPosition& cell, double height) const
 {
+    if (isClosed(cell))
+        return false;
     if (canBeAir(cell))
         return true;
     const double top = BlockShape::ofValue(map.pixel(cell).value).highHeight;

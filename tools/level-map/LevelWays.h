@@ -27,9 +27,10 @@ struct Stride
 class LevelWays
 {
 public:
-    /// Buttons open what they work if the ball can come to them from `start`. The map has to
-    /// outlive this.
-    LevelWays(const LevelMap& map, const CellPosition& start);
+    /// Buttons open what they work if the ball can come to them from `start`. No ball comes to the
+    /// closed cells, nor over them. The map has to outlive this.
+    LevelWays(const LevelMap& map, const CellPosition& start,
+              std::vector<CellPosition> closed = {});
 
     bool reaches(const CellPosition& cell) const;
     /// The buttons in reach, by the group that they open; one for each group.
@@ -75,6 +76,7 @@ private:
     void cross(const CellPosition& portal, const Reached& reached) const;
     void land(const CellPosition& cell, Move by, const Reached& reached) const;
 
+    bool isClosed(const CellPosition& cell) const;
     bool isWorked(const CellPosition& cell) const;
     bool carries(const CellPosition& cell) const;
     bool canBeAir(const CellPosition& cell) const;
@@ -86,6 +88,7 @@ private:
     int runUp(const CellPosition& cell, const CellPosition& way) const;
 
     const LevelMap& map;
+    const std::vector<CellPosition> closed;
     std::map<int, std::vector<CellPosition>> portals;  // by group
     std::map<int, CellPosition> buttons;               // in reach, by group
     Flood fromStart;

@@ -13,8 +13,9 @@ constexpr double approach = 1.0;       // wanted speed per unit of distance, 1/s
 constexpr double climbingSpeed = 4.6;  // taken as a run-up too
 constexpr double hurriedSpeed = 2.5;   // what it takes to fly across, or to be thrown ahead
 constexpr int runUpSteps = 4;
-constexpr double touchReach = 1.2;   // a ball so near over a cell may have touched it
-constexpr double heightReach = 0.1;  // an elevator so near its end is there
+constexpr double touchReach = 1.2;    // a ball so near over a cell may have touched it
+constexpr double flyingHeight = 0.8;  // of the ball's middle, which lies at 0.3
+constexpr double heightReach = 0.1;   // an elevator so near its end is there
 constexpr double deepestDrop = 2.0;
 constexpr int freshRest = 36;   // ticks: an elevator that has rested longer may leave too soon
 constexpr int restTicks = 550;  // of what rests, with a second to spare
@@ -33,6 +34,11 @@ std::vector<CellPosition> checkpoints(const LevelMap& map, CheckpointType type)
         const auto option = CheckpointOption::ofSaturation(pixel.saturation);
         return option.type == type && (type != CheckpointType::Checkpoint || option.required);
     });
+}
+
+double topOf(const LevelMap& map, const CellPosition& cell)
+{
+    return double(BlockShape::ofValue(map.pixel(cell).value).highHeight);
 }
 
 bool isStraight(const Way& way, std::size_t step)
@@ -72,7 +78,7 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& expectedBall)
         ball = seen;
     }
     // A board that moves under a floating ball only hits it.
-    if (!map.hasFloor(here) || tick < weightlessUntil) {
+    if (!map.hasFloor(here) || tick < weightlessUntil || flies(sight, seenCell, seen)) {
         intent.keepsBoard = true;
         return intent;
     }
@@ -83,21 +89,35 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& expectedBall)
     if (open.size() == way.size())
         return follow(open, ball, false);
     if (!map.is(here, BlockKind::Elevator) && waitsForButton(sight, way[open.size()])) {
-        const Way toButton = wayToButtonFor(way[open.size()], here);
+        const std::vector<CellPosition> shut = shutWith(sight, way[open.size()]);
+        const Way toButton = wayToButtonFor(way[open.size()], here, shut);
         // On the button already, it takes the ball to roll off before it can press anew.
         if (toButton.size() > 1)
             return follow(openPart(sight, toButton), ball, false);
-        const Way aroundIt = finder.way(here, flags.empty() ? goals : flags, {way[open.size()]});
+        const Way aroundIt = finder.way(here, flags.empty() ? goals : flags, shut);
         if (toButton.empty() && !aroundIt.empty())
             return follow(openPart(sight, aroundIt), ball, false);
     }
-    return follow(open, ball, true);
+    // Who is not sure of where the ball will stop waits a cell away from what will be a hole.
+    const bool keepsOff =
+        temper.patience > 0 && open.size() > 1 && map.is(way[open.size()], BlockKind::Ghost);
+    Intent waiting = follow(keepsOff ? Way(open.begin(), open.end() - 1) : open, ball, true);
+    if (open.size() == 1)
+        leanOn(sight, here, way[1], waiting);
+    return waiting;
+}
+
+bool Strategy::flies(const LevelSight& sight, const CellPosition& over,
+                     const osg::Vec3d& ball) const
+{
+    // One that is thrown by a lift has to leave it while it can.
+    return !map.is(over, BlockKind::Elevator) &&
+           ball.z() > topOf(map, over) + sight.shift(over) + flyingHeight;
 }
 
 void Strategy::noteTouchedCell(const CellPosition& here, const osg::Vec3d& ball)
 {
-    const double top = double(BlockShape::ofValue(map.pixel(here).value).highHeight);
-    if (ball.z() >= top + touchReach)
+    if (ball.z() >= topOf(map, here) + touchReach)
         return;
     if (!(here == last))
         touch(here);
@@ -106,21 +126,40 @@ void Strategy::noteTouchedCell(const CellPosition& here, const osg::Vec3d& ball)
 
 const Way& Strategy::wayToTarget(const CellPosition& here)
 {
-    if (!(here == plannedFrom) || flags.size() != plannedFlags) {
-        planned = finder.way(here, flags.empty() ? goals : flags);
+    const bool spent = isSpentSpring(here);
+    if (!(here == plannedFrom) || flags.size() != plannedFlags || spent != plannedOnSpent) {
+        planned = finder.way(here, flags.empty() ? goals : flags,
+                             spent ? edgesAbove(here) : std::vector<CellPosition>());
         plannedFrom = here;
+        plannedOnSpent = spent;
         plannedFlags = flags.size();
     }
     return planned;
 }
 
-Way Strategy::wayToButtonFor(const CellPosition& barrier, const CellPosition& here) const
+Way Strategy::wayToButtonFor(const CellPosition& barrier, const CellPosition& here,
+                             const std::vector<CellPosition>& shut) const
 {
     const int group = map.pixel(barrier).alpha;
     return finder.way(here, map.cellsWhere([group](const LevelPixel& pixel) {
         return blockKindOfHue(pixel.hue) == BlockKind::Button && pixel.alpha == group;
     }),
-                      {barrier});
+                      shut);
+}
+
+/// All that the same button would open.
+std::vector<CellPosition> Strategy::shutWith(const LevelSight& sight,
+                                             const CellPosition& barrier) const
+{
+    std::vector<CellPosition> shut = map.cellsWhere([&](const LevelPixel& pixel) {
+        return blockKindOfHue(pixel.hue) == blockKindOfHue(map.pixel(barrier).hue) &&
+               pixel.alpha == map.pixel(barrier).alpha;
+    });
+    shut.erase(
+        std::remove_if(shut.begin(), shut.end(),
+                       [&](const CellPosition& cell) { return !waitsForButton(sight, cell); }),
+        shut.end());
+    return shut;
 }
 
 /// Whether the cell will not let the ball pass before somebody presses a button.
@@ -182,6 +221,44 @@ bool Strategy::mayUseElevator(const LevelSight& sight, const CellPosition& from,
     // In time before it leaves again.
     return !ElevatorOption::ofSaturation(map.pixel(to).saturation).automatic ||
            sight.ticksAtRest(to) + sight.delay() < freshRest;
+}
+
+/// A lift that is still up is a wall: a ball that is pressed against it rolls on to it as soon as
+/// it comes down.
+void Strategy::leanOn(const LevelSight& sight, const CellPosition& here, const CellPosition& next,
+                      Intent& intent) const
+{
+    const bool isWall =
+        map.is(next, BlockKind::Elevator) &&
+        map.edgeHeight(next, here.column - next.column, here.row - next.row) + sight.shift(next) >
+            map.edgeHeight(here, next.column - here.column, next.row - here.row) +
+                sight.shift(here) + heightReach;
+    if (!isWall)
+        return;
+    if (next.column != here.column)
+        intent.velocity.x() = (next.column - here.column) * temper.waitingSpeed;
+    else
+        intent.velocity.y() = (here.row - next.row) * temper.waitingSpeed;
+}
+
+/// A spring that rests, and not one that is just throwing.
+bool Strategy::isSpentSpring(const CellPosition& cell) const
+{
+    const auto rests = restsUntil.find({cell.column, cell.row});
+    return map.isSpring(cell) && rests != restsUntil.end() && tick < rests->second &&
+           tick > rests->second - restTicks + ticksPerSecond;
+}
+
+std::vector<CellPosition> Strategy::edgesAbove(const CellPosition& cell) const
+{
+    std::vector<CellPosition> above;
+    for (const CellPosition& beside : map.next(cell, deepestDrop)) {
+        const int column = beside.column - cell.column;
+        const int row = beside.row - cell.row;
+        if (map.edgeHeight(beside, -column, -row) > map.edgeHeight(cell, column, row) + heightReach)
+            above.push_back(beside);
+    }
+    return above;
 }
 
 /// What lies still for a while after the ball has touched it.

@@ -41,9 +41,12 @@ public:
     Intent decide(const LevelSight& sight, const osg::Vec3d& expectedBall);
 
 private:
+    bool flies(const LevelSight& sight, const CellPosition& over, const osg::Vec3d& ball) const;
     void noteTouchedCell(const CellPosition& here, const osg::Vec3d& ball);
     const Way& wayToTarget(const CellPosition& here);
-    Way wayToButtonFor(const CellPosition& barrier, const CellPosition& here) const;
+    Way wayToButtonFor(const CellPosition& barrier, const CellPosition& here,
+                       const std::vector<CellPosition>& shut) const;
+    std::vector<CellPosition> shutWith(const LevelSight& sight, const CellPosition& barrier) const;
     bool waitsForButton(const LevelSight& sight, const CellPosition& cell) const;
     /// The part of the way that is open now.
     Way openPart(const LevelSight& sight, const Way& way) const;
@@ -51,6 +54,10 @@ private:
     bool mayEnterGhost(const LevelSight& sight, const Way& way, std::size_t step) const;
     bool mayUseElevator(const LevelSight& sight, const CellPosition& from,
                         const CellPosition& to) const;
+    void leanOn(const LevelSight& sight, const CellPosition& here, const CellPosition& next,
+                Intent& intent) const;
+    bool isSpentSpring(const CellPosition& cell) const;
+    std::vector<CellPosition> edgesAbove(const CellPosition& cell) const;
     void touch(const CellPosition& cell);
     bool hasRested(const CellPosition& cell) const;
     Intent follow(const Way& way, const osg::Vec3d& ball, bool stops) const;
@@ -68,4 +75,5 @@ private:
     Way planned;
     CellPosition plannedFrom{-1, -1};
     std::size_t plannedFlags = 0;
+    bool plannedOnSpent = false;
 };
