@@ -49,7 +49,7 @@ class Figures(unittest.TestCase):
         for row in bench.ROWS:
             for figure in filter(None, (row.game, row.bare)):
                 name, _, counter = figure.partition(":")
-                self.assertIn(f'"{name.rstrip("0123456789").rstrip("/")}"', sources)
+                self.assertIn(f'"{name.rstrip("-0123456789").rstrip("/")}"', sources)
                 self.assertIn(f'"{counter}"' if counter else "", sources)
 
 
