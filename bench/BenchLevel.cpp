@@ -98,8 +98,8 @@ QImage effectsLevel(bool effects)
 
 QImage benchLevel(int argument)
 {
-    return argument == trueLevel ? QImage(ROLLIX_SOURCE_DIR "/data/Rollix/level0.png")
-                                 : mixedLevel(argument);
+    const QString campaign = QString(ROLLIX_SOURCE_DIR "/data/Rollix/level%1.png");
+    return argument > 0 ? mixedLevel(argument) : QImage(campaign.arg(-argument));
 }
 
 void load(const QImage& picture)

@@ -1,10 +1,12 @@
 #include "BenchLevel.h"
+#include "Rocking.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
 #include "hud/MenuHUD.h"
 #include "hud/TextHUD.h"
 #include "level/Ball.h"
+#include "level/Board.h"
 #include "level/Level.h"
 #include "support/SharedWorld.h"
 
@@ -151,12 +153,17 @@ double percentile99(std::vector<double> seconds)
 
 /// Whole ticks of the game, one by one, for the slowest in a hundred. On a machine that is shared,
 /// wall time is also the neighbours'; `p99_processor_ms` is the processor time of all threads.
-void drawnTick(benchmark::State& state)
+void drawnTick(benchmark::State& state, bool rocked)
 {
     loadAndWarmUp(benchLevel(int(state.range(0))));
+    const unsigned int board = game().level->board->getId();
+    int ticks = 0;
     std::vector<double> wall;
     std::vector<double> processor;
     for (auto _ : state) {
+        if (rocked)
+            game().addTorque(board, rockingTorque(ticks++), physx::PxForceMode::eVELOCITY_CHANGE,
+                             true);
         const auto begin = std::chrono::steady_clock::now();
         const double processorBegin = processorSeconds();
         GameLoop::instance()->tick();
@@ -176,11 +183,18 @@ void settings(benchmark::internal::Benchmark* benchmark)
 
 }  // namespace
 
-BENCHMARK(gameFrame)->Name("frame/game")->Arg(trueLevel)->Apply(settings);
-BENCHMARK(bareFrame)->Name("frame/bare")->Arg(trueLevel)->Apply(settings);
-BENCHMARK(drawnTick)
+BENCHMARK(gameFrame)->Name("frame/game")->Arg(trueLevel)->Arg(fullestLevel)->Apply(settings);
+BENCHMARK(bareFrame)->Name("frame/bare")->Arg(trueLevel)->Arg(fullestLevel)->Apply(settings);
+BENCHMARK_CAPTURE(drawnTick, still, false)
     ->Name("tick/drawn")
     ->Arg(trueLevel)
+    ->Arg(fullestLevel)
+    ->Apply(settings)
+    ->Iterations(distributionTicks);
+BENCHMARK_CAPTURE(drawnTick, rocked, true)
+    ->Name("tick/rocked")
+    ->Arg(trueLevel)
+    ->Arg(fullestLevel)
     ->Apply(settings)
     ->Iterations(distributionTicks);
 BENCHMARK_CAPTURE(effectsFrame, with, true)->Name("effects/with")->Apply(settings);

@@ -1,5 +1,6 @@
 #include "BareWorld.h"
 #include "BenchLevel.h"
+#include "Rocking.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
 #include "game/Rollix.h"
@@ -8,7 +9,6 @@
 #include "support/SharedWorld.h"
 
 #include <benchmark/benchmark.h>
-#include <osg/Vec3f>
 
 #include <limits>
 #include <memory>
@@ -16,17 +16,7 @@
 
 namespace {
 
-constexpr float torque = 0.1f;   // rad/s a tick, that of a held key
-constexpr int quarterSwing = 5;  // ticks
 constexpr int settlingTicks = 100;
-
-/// The board is rocked about level, so that everything stays awake and the ball where it is.
-osg::Vec3f rockingTorque(int tick)
-{
-    const int phase = tick % (4 * quarterSwing);
-    const bool forth = phase < quarterSwing || phase >= 3 * quarterSwing;
-    return osg::Vec3f(forth ? torque : -torque, 0.0f, 0.0f);
-}
 
 /// Ticks the game without drawing. The viewer skips its frame while it is "done", and with it the
 /// traversals, which are not drawing: those are made up for.

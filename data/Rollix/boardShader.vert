@@ -1,28 +1,83 @@
 #version 150 compatibility
-// The board and every block on it, flagpoles and springs too.
+// The board and every block on it, flagpoles and springs too. Light is worked out in board coordinates: there
+// the faces of the wood lie still, and what a processor would have to do for every pixel is done here once.
 
-uniform vec3 a_TextureOffset;  // where a block's own origin lies on the board; zero for what is merged
+// Set on what has an origin of its own: where that lies on the board, and which edges of its cell's upper
+// face (towards +x, +y, -x, -y) end in the open. Zero for what is merged; that has the middle of its cell
+// with the height of its block there, and its open edges, as texture coordinates.
+uniform vec3 a_TextureOffset;
+uniform vec4 a_OpenEdges;
 
-out vec3 boardPosition;      // in board coordinates, whatever the block does
-out vec3 boardNormal;        // of any length, zero where a face has none to give
-out vec3 logPosition;        // in the log that the board is sawn from
-flat out vec2 cellCorner;    // 0.25 when cells end at whole numbers, 0.75 when at halves: odd boards
+uniform vec2 a_ShadeOrigin;   // of the shade map in cells, from the board's middle to its lower left corner
+uniform vec3 a_ShadePoints;   // of the shade map: points along a cell, 1 / width and 1 / height in points
+uniform vec2 a_GrainOrigin;   // of the picture of the grain, in cells, from the shade map's
+uniform mat4 a_EyeToBoard;
+uniform vec3 a_LampOnBoard;   // board coordinates
+uniform vec3 a_BallOnBoard;   // the ball's middle, board coordinates
+
+out vec3 boardPosition;       // in board coordinates, as if the block had never moved
+out vec3 boardPlace;          // in board coordinates, where it is
+out vec3 boardNormal;         // zero where a face has none to give
+out vec2 woodPlace;           // in the picture of the grain
+out vec2 shadePlace;          // in the shade map
+out vec3 inCell;              // from the cell's middle, -0.5 to 0.5; z is the depth under the upper face
+out vec3 toLamp;              // of length 1
+out vec3 halfway;             // of length 1, between the ways to the lamp and to the eye
+out vec3 toBall;              // to its middle, units
+flat out vec4 openEdges;
+flat out vec3 uphill;         // of a ramp: direction on the board and 1; zero elsewhere
+flat out float upright;       // 1 for the sides of blocks, 0 for their upper faces
 
 //HOTSPOT_PRE_MAIN
 
-// The log's axis lies far under the board and leans, so that the cut shows long flames, not plain stripes.
-const vec3 logAxis = vec3(0.0, 2.3, -7.0);
-const float logLean = 0.045;   // radians, about the board's y axis
-const float logTurn = 0.06;    // radians, about the board's z axis
+const vec2 grainShift = vec2(0.31, 0.95);  // of the cut through the log for every unit up
+const float cellBorder = 0.49;             // units from the middle of a cell
+const float grainSide = 1024.0 / 40.0;     // units that the picture of the grain covers,
+const float grainMargin = 0.4;             // of which the shift has this much to either side
+const float grainCells = 23.0;             // and cells use these; further off they are mirrored
+
+// A place on the board in cells from the grain's origin, brought back into the picture as that cell is.
+vec2 folded(vec2 place, vec2 cell)
+{
+    vec2 sheet = floor(cell / grainCells);
+    vec2 turned = mod(sheet, 2.0);
+    vec2 inSheet = place - sheet * grainCells;
+    return mix(inSheet, grainCells - inSheet, turned);
+}
 
 void main()
 {
     //HOTSPOT_START_MAIN
-    phong();
+    vec4 eyePlace = gl_ModelViewMatrix * gl_Vertex;
     boardPosition = gl_Vertex.xyz + a_TextureOffset;
+    boardPlace = (a_EyeToBoard * eyePlace).xyz;
     boardNormal = gl_Normal;
-    logPosition = rotation(vec3(0.0, 1.0, 0.0), logLean) * rotation(vec3(0.0, 0.0, 1.0), logTurn)
-                  * (boardPosition - logAxis);
-    cellCorner = fract(boardPosition.xy + 0.25);
+
+    bool own = a_TextureOffset.z > 0.0;
+    vec2 middle = own ? a_TextureOffset.xy : gl_MultiTexCoord0.xy;
+    float top = own ? 2.0 * a_TextureOffset.z : gl_MultiTexCoord0.z;
+    openEdges = own ? a_OpenEdges : gl_MultiTexCoord1;
+    inCell = vec3(boardPosition.xy - middle, top - boardPosition.z);
+
+    vec2 inGrain = folded(boardPosition.xy + a_ShadeOrigin + a_GrainOrigin,
+                          middle + a_ShadeOrigin + a_GrainOrigin);
+    woodPlace = (inGrain + boardPosition.z * grainShift + grainMargin) / grainSide;
+
+    vec3 normal = gl_Normal / max(length(gl_Normal), 1.0e-4);
+    upright = normal.z < 0.2 ? 1.0 : 0.0;
+    float slope = length(normal.xy);
+    uphill = upright < 0.5 && slope > 0.05 ? vec3(-normal.xy / slope, 1.0) : vec3(0.0);
+
+    // The side of a block is lit as the cell is that it looks over; a pole stands in its own.
+    vec2 border = upright * step(cellBorder, abs(inCell.xy)) * step(0.5, abs(normal.xy));
+    vec2 shadeCell = middle + border * sign(normal.xy);
+    vec2 inShade = clamp(boardPosition.xy - shadeCell + 0.5, 0.0, 1.0);
+    vec2 point = (shadeCell - 0.5 + a_ShadeOrigin) * a_ShadePoints.x + 0.5 + inShade * (a_ShadePoints.x - 1.0);
+    shadePlace = point * a_ShadePoints.yz;
+
+    // A face is small beside its way to lamp and eye: in between, these may be mixed.
+    toLamp = normalize(a_LampOnBoard - boardPlace);
+    halfway = normalize(toLamp + normalize(a_EyeToBoard[3].xyz - boardPlace));
+    toBall = a_BallOnBoard - boardPlace;
     gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;
 }

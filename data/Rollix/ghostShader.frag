@@ -2,11 +2,6 @@
 // A block that comes and goes: it crumbles away along its noise with a glowing edge, and where it has
 // gone a faint outline of its cell stays, so that a player knows what can come back.
 
-in vec3 boardPosition;
-in vec3 boardNormal;
-in vec3 logPosition;
-flat in vec2 cellCorner;
-
 uniform bool a_Opaque;         // what the block is, or is becoming
 uniform float a_OpaqueStart;   // seconds of the simulation's clock
 uniform float a_OpaqueEnd;
@@ -16,7 +11,8 @@ uniform float a_OpaqueEnd;
 const float crumbs = 5.5;        // holes a unit
 const float edgeWidth = 0.14;    // of the fade, that glows
 const vec3 edgeGlow = vec3(0.45, 0.95, 1.0);
-const vec3 ghostTint = vec3(0.62, 0.85, 1.0);   // solid ghosts are told from plain wood by it
+const vec3 ghostTint = vec3(0.72, 0.97, 1.12);  // solid ghosts are bleached wood under blue lacquer
+const float bleached = 0.85;
 const vec3 outlineColor = vec3(0.55, 0.85, 1.0);
 const float outlineWidth = 0.06;  // units
 const float outlineAlpha = 0.34;
@@ -26,7 +22,7 @@ void main()
 {
     //HOTSPOT_START_MAIN
     float pixelSize = length(fwidth(boardPosition));
-    vec3 normal = phongNormal();
+    vec3 normal = faceNormal();
     // Faces turned away would be mixed in or not by the order of drawing.
     if (!gl_FrontFacing)
         discard;
@@ -34,7 +30,7 @@ void main()
     float progress = easeInOut(easeProgress(a_OpaqueStart, a_OpaqueEnd));
     float solid = a_Opaque ? progress : 1.0 - progress;
 
-    vec2 toBorder = abs(fract(boardPosition.xy - cellCorner + 0.75) - 0.5);
+    vec2 toBorder = 0.5 - abs(inCell.xy);
     // One of the two is zero all over an upright face; there the other draws the outline.
     float border = boardNormal.z * boardNormal.z > 0.2 * dot(boardNormal, boardNormal)
                        ? min(toBorder.x, toBorder.y)
@@ -51,8 +47,10 @@ void main()
         gl_FragColor = vec4(outlineColor, mix(restAlpha, outlineAlpha, outline));
         return;
     }
-    vec3 wood = woodSurface(boardPosition, boardNormal, logPosition, cellCorner, pixelSize);
-    vec3 color = phong(wood * ghostTint, normal, woodGloss, woodShininess);
+    float grain = woodGrain();
+    vec3 wood = woodColor(grain);
+    wood = mix(wood, vec3(max(wood.r, 0.5) * (1.0 - 0.3 * grain)), bleached) * ghostTint;
+    vec3 color = litWood(wood, bevelled(normal), woodGloss);
     color += edgeGlow * 0.16 * outline;
     if (solid < 1.0)
         color = mix(edgeGlow, color, smoothstep(0.0, edgeWidth, left));

@@ -11,6 +11,8 @@ const float blastCurve = 6.0;  // 1 / units: between the curvatures of the small
 const vec3 lacquer = vec3(0.85, 0.03, 0.03);
 const float gloss = 0.9;
 const float shininess = 70.0;
+const vec3 emberGlow = vec3(0.35, 0.06, 0.0);  // it breathes, so that it is seen from far away
+const float emberPulse = 5.0;  // radians a second
 const vec3 fireCore = vec3(1.0, 0.96, 0.65);
 const vec3 fireEdge = vec3(1.0, 0.25, 0.02);
 const float fireFlicker = 30.0;  // radians a second
@@ -24,7 +26,8 @@ void main()
     float facing = abs(dot(normal, normalize(eyePosition)));
 
     if (curve > blastCurve) {
-        gl_FragColor = vec4(phong(lacquer, normal, gloss, shininess), 1.0);
+        float ember = 0.5 + 0.5 * sin(emberPulse * osg_SimulationTime);
+        gl_FragColor = vec4(phong(lacquer, normal, gloss, shininess) + ember * emberGlow, 1.0);
     } else {
         float tongues = 0.5 + 0.5 * sin(14.0 * minePosition.x + 9.0 * sin(11.0 * minePosition.y)
                                         + 12.0 * minePosition.z - fireFlicker * osg_SimulationTime);

@@ -84,6 +84,18 @@ void BlockElevator::reset()
     toggle();
 }
 
+bool BlockElevator::isRestless() const
+{
+    return true;
+}
+
+float BlockElevator::lift() const
+{
+    const osg::Vec3d onBoard =
+        transform->getMatrix().getTrans() * level->board->getTransform()->getInverseMatrix();
+    return float(onBoard.z()) - height * 0.5f;
+}
+
 void BlockElevator::toggle()
 {
     timer.stop();

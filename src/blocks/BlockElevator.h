@@ -25,6 +25,9 @@ public:
     /// Sends the block home.
     void reset() override;
 
+    bool isRestless() const override;
+    float lift() const override;
+
 protected:
     ~BlockElevator() override;
 

@@ -74,6 +74,19 @@ void BlockGhost::setOpaque(bool solid)
     opaqueEnd->set(now + fadeSeconds);
 }
 
+bool BlockGhost::isRestless() const
+{
+    return true;
+}
+
+float BlockGhost::presence() const
+{
+    float start = 0.0f;
+    opaqueStart->get(start);
+    const float progress = std::clamp((frameTime() - start) / fadeSeconds, 0.0f, 1.0f);
+    return opaque ? progress : 1.0f - progress;
+}
+
 void BlockGhost::onSignal(Block*)
 {
     setOpaque(!opaque);

@@ -21,6 +21,9 @@ public:
     /// Back to the state of the level's start; the rhythm goes on in its phase.
     void reset() override;
 
+    bool isRestless() const override;
+    float presence() const override;
+
 protected:
     ~BlockGhost() override;
 

@@ -28,13 +28,14 @@ const osg::Vec3f copyPlaces[] = {osg::Vec3f(1.0f, 0.0f, 0.5f), osg::Vec3f(0.7f, 
                                  osg::Vec3f(1.4f, -0.6f, -0.2f)};
 constexpr int mostCopies = 3;
 const osg::Vec3f signPlace(-1.0f, 0.0f, 0.0f);
+constexpr float itemRadius = 0.45f;
 const osg::Vec3f middlePlace(0.0f, 0.0f, 0.0f);  // the weight's
 constexpr float signLength = 1.0f;
 constexpr float signDepth = 0.2f;
 constexpr float signWidth = 0.3f;
 
 // How itemShader.vert draws the display, in its frame: twice as large about its middle, lifted, and
-// floating up and down.
+// floating up and down. A sign is drawn smaller and nearer to the middle than that.
 constexpr float drawnScale = 2.0f;
 constexpr float drawnLift = 0.9f;
 constexpr float drawnFloat = 0.12f;
@@ -148,8 +149,26 @@ void BlockItem::createDisplay(int count)
     itemProgram = addProgram(display, "item", game());
     display->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Color", appearance.color),
                                                osg::StateAttribute::ON);
+    rememberDisplay(count);
     display->setCullCallback(new BlockItemCallback(this));
     transform->addChild(display);
+}
+
+void BlockItem::rememberDisplay(int count)
+{
+    const osg::Vec3f middle(x, y, height * 0.5f + surfaceHeight() + float(floatHeight));
+    const float scale = float(displayScale);
+    const int copies = std::clamp(std::abs(count), 1, mostCopies);
+    for (int i = 0; i < copies; ++i) {
+        const osg::Vec3f place = count == 0 ? osg::Vec3f() : copyPlaces[i];
+        shown.push_back({middle + (place * drawnScale + osg::Vec3f(0.0f, 0.0f, drawnLift)) * scale,
+                         itemRadius * drawnScale * scale});
+    }
+}
+
+std::vector<Hovering> BlockItem::hovering() const
+{
+    return collected ? std::vector<Hovering>() : shown;
 }
 
 void BlockItem::onBallContact(Ball*)

@@ -26,6 +26,8 @@ public:
     /// The item is back; a weight that was at work lets the ball fall again.
     void reset() override;
 
+    std::vector<Hovering> hovering() const override;
+
 protected:
     ~BlockItem() override;
 
@@ -34,6 +36,7 @@ private:
     class BlockItemCallback;
 
     void createDisplay(int count);
+    void rememberDisplay(int count);
     void endWeight();
     void setBallMotion(unsigned int motion);
 
@@ -41,5 +44,6 @@ private:
     QTimer timer;
     double amount;
     bool collected = false;
+    std::vector<Hovering> shown;
     osg::ref_ptr<ShaderProgram> itemProgram;
 };

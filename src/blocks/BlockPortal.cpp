@@ -121,6 +121,9 @@ void BlockPortal::createMouth()
     cylinder->setRotation(outward);
     osg::ref_ptr<osg::ShapeDrawable> mouth = new osg::ShapeDrawable(cylinder);
     mouth->setColor(mouthColor);
+    if (orientation != PortalFace::Top)
+        inlayProgram = addInlay(transform, InlayKind::Portal, corners().moved(1.0f, -height * 0.5f),
+                                -direction, game());
     mouthProgram = addProgram(addDecoration(mouth), "standard", game());
 }
 

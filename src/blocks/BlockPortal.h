@@ -75,4 +75,5 @@ private:
     osg::ref_ptr<osg::Cylinder> cylinder;
     osg::ref_ptr<ShaderProgram> particleProgram;
     osg::ref_ptr<ShaderProgram> mouthProgram;
+    osg::ref_ptr<ShaderProgram> inlayProgram;
 };

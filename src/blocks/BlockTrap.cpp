@@ -29,12 +29,15 @@ const osg::Vec4f red(1.0f, 0.0f, 0.0f, 1.0f);
 constexpr float plungerRadius = 0.4f;
 constexpr float plungerIn = 0.3f;
 constexpr float plungerOut = 1.0f;
+const osg::Vec4f plungerLacquer(0.66f, 0.70f, 0.76f,
+                                0.85f);  // like steel, for it must not be missed
 
 constexpr float discHeight = 0.01f;
 const osg::Vec4f black(0.0f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
 
+/// Draws what it is on only while the trap is not active.
 class BlockTrap::BlockTrapdoorCallback : public HidingCallback<BlockTrap, &BlockTrap::active>
 {
 public:
@@ -139,6 +142,11 @@ void BlockTrap::reset()
     }
 }
 
+float BlockTrap::presence() const
+{
+    return kind == TrapKind::Trapdoor && active ? 0.0f : 1.0f;
+}
+
 osg::Vec3d BlockTrap::wayToBall() const
 {
     return level->ball->getTransform()->getMatrix().getTrans() - transform->getMatrix().getTrans();
@@ -156,6 +164,17 @@ void BlockTrap::createMine()
     shapeDrawable = new osg::ShapeDrawable(sphere);
     shapeDrawable->setColor(red);
     shapeProgram = addProgram(addDecoration(shapeDrawable), "mine", game());
+    createWarning();
+}
+
+void BlockTrap::createWarning()
+{
+    // A mine that has exploded is no danger until it is armed again.
+    osg::ref_ptr<osg::Group> whileArmed = new osg::Group;
+    whileArmed->setCullCallback(new BlockTrapdoorCallback(this));
+    transform->addChild(whileArmed);
+    inlayProgram = addInlay(whileArmed, InlayKind::Mine, corners().moved(1.0f, -height * 0.5f),
+                            osg::Vec3f(1.0f, 0.0f, 0.0f), game());
 }
 
 void BlockTrap::setMineRadius(float radius)
@@ -196,7 +215,9 @@ void BlockTrap::createSpring()
     level->board->addContactShape(this, id);
     cylinder = new osg::Cylinder(osg::Vec3f(0.0f, 0.0f, surfaceHeight()), plungerRadius, plungerIn);
     shapeDrawable = new osg::ShapeDrawable(cylinder);
-    addDecoration(shapeDrawable);
+    addWoodenDecoration(shapeDrawable)
+        ->getOrCreateStateSet()
+        ->addUniform(new osg::Uniform("a_Lacquer", plungerLacquer));
 }
 
 void BlockTrap::setPlungerHeight(float plungerHeight)

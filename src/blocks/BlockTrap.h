@@ -39,6 +39,9 @@ public:
     /// Armed and at rest, whatever was under way.
     void reset() override;
 
+    /// A trapdoor is there or it is not; none of its edges gives it away before.
+    float presence() const override;
+
 protected:
     ~BlockTrap() override;
 
@@ -47,6 +50,7 @@ private:
     class BlockTrapdoorCallback;
 
     void createMine();
+    void createWarning();
     void armMine();
     void explode();
     void fadeMine();
@@ -82,5 +86,6 @@ private:
     osg::ref_ptr<osg::ShapeDrawable> shapeDrawable;  // of whichever there is
     osg::ref_ptr<ShaderProgram> particleProgram;
     osg::ref_ptr<ShaderProgram> shapeProgram;
+    osg::ref_ptr<ShaderProgram> inlayProgram;
     osg::ref_ptr<BlockTrapdoorCallback> trapdoorCallback;
 };

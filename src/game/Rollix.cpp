@@ -1,5 +1,6 @@
 #include "game/Rollix.h"
 
+#include "base/UnreadableFile.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
 #include "frame/OsgViewerWidget.h"
@@ -19,6 +20,8 @@
 
 #include <QKeyEvent>
 #include <osg/Uniform>
+#include <osgDB/ReadFile>
+#include <osgDB/Registry>
 
 #include <functional>
 #include <utility>
@@ -33,13 +36,14 @@ constexpr float cameraDistance = 25.0f;
 constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
-const osg::Vec3f lightPosition(8.0f, -8.0f, 16.0f);
 const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
 
 const osg::Vec4f goodNews(0.0f, 0.9f, 0.0f, 1.0f);
 const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
+
+const osg::Vec3f Rollix::lightPosition(8.0f, -8.0f, 16.0f);
 
 Rollix::Rollix(OsgViewerWidget* window) : widget(window)
 {
@@ -215,6 +219,21 @@ void Rollix::setSharedStages(ShaderProgram& program, const std::string& programN
     if (!recipe.geometryStage.empty())
         program.setGeometryShader(sharedShader(recipe.geometryStage));
     program.setFragmentShader(sharedShader(recipe.fragmentStage));
+}
+
+osg::Texture2D* Rollix::sharedTexture(const std::string& file)
+{
+    osg::ref_ptr<osg::Texture2D>& texture = textures[file];
+    if (texture)
+        return texture;
+    osg::ref_ptr<osg::Image> picture =
+        osgDB::readRefImageFile(file, osgDB::Registry::instance()->getOptions());
+    if (!picture)
+        reportUnreadable("image", file, "Imagine the grain.");
+    texture = new osg::Texture2D(picture);
+    texture->setWrap(osg::Texture::WRAP_S, osg::Texture::CLAMP_TO_EDGE);
+    texture->setWrap(osg::Texture::WRAP_T, osg::Texture::CLAMP_TO_EDGE);
+    return texture;
 }
 
 void Rollix::update()

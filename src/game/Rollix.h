@@ -5,6 +5,7 @@
 #include "shaders/ShaderProgram.h"
 
 #include <QPointer>
+#include <osg/Texture2D>
 
 #include <memory>
 #include <string>
@@ -41,6 +42,12 @@ public:
     /// Gives `program` the shared stages of a program's recipe.
     void setSharedStages(ShaderProgram& program, const std::string& programName);
 
+    /// The picture that all levels share, read at its first use; its borders run on.
+    osg::Texture2D* sharedTexture(const std::string& file);
+
+    /// The lamp's place in the world, "a_LightPos" to shaders.
+    static const osg::Vec3f lightPosition;
+
     /// Serves a requested level change, then turns the held arrow keys into torque on the board.
     void update() override;
 
@@ -62,6 +69,8 @@ public:
 
     /// Shader stages by short file name; they outlive every level.
     std::unordered_map<std::string, osg::ref_ptr<ShaderProgram::Shader>> shaderPrograms;
+
+    std::unordered_map<std::string, osg::ref_ptr<osg::Texture2D>> textures;
 
     osg::ref_ptr<MenuHUD> pauseMenu;
     osg::ref_ptr<MenuHUD> endMenu;

@@ -71,6 +71,36 @@ void Block::onSignal(Block*) {}
 
 void Block::onBallLeave(Ball*) {}
 
+CornerHeights Block::corners() const
+{
+    return CornerHeights::of(lowHeight, highHeight, slope);
+}
+
+bool Block::isRestless() const
+{
+    return false;
+}
+
+float Block::lift() const
+{
+    return 0.0f;
+}
+
+float Block::presence() const
+{
+    return 1.0f;
+}
+
+std::vector<Hovering> Block::hovering() const
+{
+    return {};
+}
+
+void Block::setOpenEdges(const osg::Vec4f& edges)
+{
+    body->getOrCreateStateSet()->addUniform(new osg::Uniform("a_OpenEdges", edges));
+}
+
 void Block::createShape(int value, bool dynamic, std::string shaderGroup)
 {
     const BlockShape shape = BlockShape::ofValue(value);
@@ -134,11 +164,8 @@ void Block::createOwnTransform(osg::Drawable* drawable, const std::string& shade
     const osg::Vec3f origin(x, y, height * 0.5f);
     transform = new osg::MatrixTransform(osg::Matrixd::translate(origin));
     game()->setActorTransform(id, transform);
-    osg::ref_ptr<osg::Geode> geode = addDecoration(drawable);
+    body = addWoodenDecoration(drawable);
     level->board->shaderGroup(shaderGroup)->addChild(transform);
-    // Where the block's own origin lies on the board, so that the board's wood runs on through it.
-    geode->getOrCreateStateSet()->addUniform(new osg::Uniform("a_TextureOffset", origin),
-                                             osg::StateAttribute::ON);
 }
 
 unsigned int Block::fixToBoard()
@@ -164,5 +191,15 @@ osg::ref_ptr<osg::Geode> Block::addDecoration(osg::Drawable* drawable)
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     geode->addDrawable(drawable);
     transform->addChild(geode);
+    return geode;
+}
+
+osg::ref_ptr<osg::Geode> Block::addWoodenDecoration(osg::Drawable* drawable)
+{
+    osg::ref_ptr<osg::Geode> geode = addDecoration(drawable);
+    // Where the block's own origin lies on the board, so that the board's wood runs on through it.
+    geode->getOrCreateStateSet()->addUniform(
+        new osg::Uniform("a_TextureOffset", osg::Vec3f(x, y, height * 0.5f)),
+        osg::StateAttribute::ON);
     return geode;
 }

@@ -2,7 +2,9 @@
 
 #include "level/BlockShape.h"
 #include "level/GameObject.h"
+#include "level/Hovering.h"
 
+#include <osg/Geode>
 #include <osg/MatrixTransform>
 #include <osg/ref_ptr>
 
@@ -11,7 +13,6 @@
 
 namespace osg {
 class Drawable;
-class Geode;
 }  // namespace osg
 
 class Ball;
@@ -40,7 +41,22 @@ public:
     /// The block's own transform, or the board's for a static block; null for a block without body.
     osg::MatrixTransform* getTransform() const { return transform; }
 
-    bool isFlat() const { return slope == flatSlope; }
+    /// The upper face over the board as the level begins.
+    CornerHeights corners() const;
+
+    /// Whether one may see that the block can rise, sink or vanish: its edges part it from the
+    /// wood round it. How far it stands above its place now, in units, and how much of it is there,
+    /// 1 for all and 0 for nothing.
+    virtual bool isRestless() const;
+    virtual float lift() const;
+    virtual float presence() const;
+
+    /// What floats over the block now, in board coordinates.
+    virtual std::vector<Hovering> hovering() const;
+
+    /// Tells a dynamic block's wood which edges of its upper face end in the open: 1 for yes,
+    /// towards +x, +y, -x and -y.
+    void setOpenEdges(const osg::Vec4f& edges);
 
     /// Centre of the cell on the board, and the top of the cell over it: the high edge of a ramp.
     const float x;
@@ -67,6 +83,9 @@ protected:
     /// A new child of the block's transform that holds `drawable`.
     osg::ref_ptr<osg::Geode> addDecoration(osg::Drawable* drawable);
 
+    /// The same for what is made of the board's wood: it is told where on the board it is.
+    osg::ref_ptr<osg::Geode> addWoodenDecoration(osg::Drawable* drawable);
+
     float lowHeight = 0.0f;
     float highHeight = 0.0f;
     int slope = 0;
@@ -74,6 +93,8 @@ protected:
     osg::ref_ptr<osg::MatrixTransform> transform;
 
 private:
+    osg::ref_ptr<osg::Geode> body;  // of a dynamic block
+
     void createShape(int value, bool dynamic, std::string shaderGroup);
     void createRamp(float low, float high, int direction, bool dynamic, std::string shaderGroup);
     void createCuboid(float top, bool dynamic, std::string shaderGroup);

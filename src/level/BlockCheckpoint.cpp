@@ -19,6 +19,8 @@ constexpr float flagTop = 1.55f;
 constexpr float poleHeight = 1.6f;
 constexpr float poleRadius = 0.03f;
 
+const osg::Vec4f poleLacquer(1.0f, 0.98f, 0.92f, 0.9f);  // seen from afar: it is thin
+
 const osg::Vec4f requiredColor(0.8f, 0.0f, 0.0f, 1.0f);
 const osg::Vec4f optionalColor(0.0f, 0.0f, 0.8f, 1.0f);
 
@@ -93,8 +95,9 @@ void BlockCheckpoint::createFlagProgram()
 void BlockCheckpoint::createPole()
 {
     const osg::Vec3f center(0.0f, 0.0f, surfaceHeight() + poleHeight * 0.5f);
-    poleGeode =
-        addDecoration(new osg::ShapeDrawable(new osg::Cylinder(center, poleRadius, poleHeight)));
+    poleGeode = addWoodenDecoration(
+        new osg::ShapeDrawable(new osg::Cylinder(center, poleRadius, poleHeight)));
+    poleGeode->getOrCreateStateSet()->addUniform(new osg::Uniform("a_Lacquer", poleLacquer));
 }
 
 void BlockCheckpoint::onBallContact(Ball*)

@@ -1,5 +1,7 @@
 #include "level/BlockShape.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr float levelHeight = 0.5f;  // one level of the board, in world units
@@ -28,6 +30,29 @@ CornerHeights CornerHeights::of(float lowHeight, float highHeight, int slope)
         return x * high.x + y * high.y > 0 ? highHeight : lowHeight;
     };
     return {heightAt(-1, -1), heightAt(1, -1), heightAt(-1, 1), heightAt(1, 1)};
+}
+
+float CornerHeights::at(float u, float v) const
+{
+    const float front = leftFront + (rightFront - leftFront) * u;
+    const float back = leftBack + (rightBack - leftBack) * u;
+    return front + (back - front) * v;
+}
+
+CornerHeights CornerHeights::moved(float part, float lift) const
+{
+    return {leftFront * part + lift, rightFront * part + lift, leftBack * part + lift,
+            rightBack * part + lift};
+}
+
+bool CornerHeights::isFlat() const
+{
+    return leftFront == rightFront && leftFront == leftBack && leftFront == rightBack;
+}
+
+float CornerHeights::highest() const
+{
+    return std::max({leftFront, rightFront, leftBack, rightBack});
 }
 
 BlockShape BlockShape::ofValue(int value)

@@ -20,12 +20,21 @@ constexpr CellSide highSides[] = {{0, -1}, {1, 0}, {0, 1}, {-1, 0}};
 /// Heights of a block's upper face over the board, at its corners.
 struct CornerHeights
 {
-    float leftFront;   // at -x, -y
-    float rightFront;  // at +x, -y
-    float leftBack;    // at -x, +y
-    float rightBack;   // at +x, +y
+    float leftFront = 0.0f;   // at -x, -y
+    float rightFront = 0.0f;  // at +x, -y
+    float leftBack = 0.0f;    // at -x, +y
+    float rightBack = 0.0f;   // at +x, +y
 
     static CornerHeights of(float lowHeight, float highHeight, int slope);
+
+    /// The face at a place in the cell, (0, 0) at -x, -y to (1, 1) at +x, +y.
+    float at(float u, float v) const;
+
+    /// Sunk into the board to this part of its heights, and then raised.
+    CornerHeights moved(float part, float lift) const;
+
+    bool isFlat() const;
+    float highest() const;
 };
 
 /// What a pixel's value says of a block's body. Heights are in world units above the board.

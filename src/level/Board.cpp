@@ -3,6 +3,7 @@
 #include "game/Rollix.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
+#include "level/Relief.h"
 
 #include <QImage>
 
@@ -33,7 +34,7 @@ void Board::load(const QImage& image)
     createBody();
     createShader();
     createBlocks(image);
-    mergeStaticBlocks(image.width(), image.height());
+    finishLook(reliefOf(image.width(), image.height()));
     level->addChild(root);
     finishBody();
     hang();

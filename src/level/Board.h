@@ -15,6 +15,7 @@
 #include <vector>
 
 class QImage;
+class Relief;
 
 namespace physx {
 struct PxContactPair;
@@ -72,7 +73,8 @@ private:
     void createBody();
     void createShader();
     void createBlocks(const QImage& image);
-    void mergeStaticBlocks(int columns, int rows);
+    Relief reliefOf(int columns, int rows) const;
+    void finishLook(const Relief& relief);
     void finishBody();
     void hang();
     void createGuide(int columns, int rows);

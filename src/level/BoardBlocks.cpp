@@ -3,13 +3,15 @@
 #include "level/BlockFactory.h"
 #include "level/BlockShape.h"
 #include "level/Board.h"
+#include "level/BoardLook.h"
 #include "level/BoardMesh.h"
+#include "level/Ground.h"
 #include "level/Level.h"
 #include "level/LevelPixel.h"
+#include "level/Relief.h"
 
 #include <QImage>
 
-#include <cmath>
 #include <string>
 
 namespace {
@@ -79,22 +81,26 @@ void Board::createBlocks(const QImage& image)
     bodiless.report(level->pictureFile);
 }
 
-void Board::mergeStaticBlocks(int columns, int rows)
+Relief Board::reliefOf(int columns, int rows) const
 {
-    // What the static flat blocks fill from edge to edge, by cell.
-    std::vector<float> filled(std::size_t(columns) * std::size_t(rows), 0.0f);
-    const auto cellIndex = [&](float x, float y) -> std::ptrdiff_t {
-        const int column = int(std::floor(x + float(columns) * 0.5f));
-        const int row = int(std::floor(float(rows) * 0.5f - y));
-        const bool inside = column >= 0 && column < columns && row >= 0 && row < rows;
-        return inside ? std::ptrdiff_t(row) * columns + column : -1;
-    };
-    for (const osg::ref_ptr<Block>& block : blocks)
-        if (block->getTransform() == transform && block->isFlat())
-            filled[std::size_t(cellIndex(block->x, block->y))] = block->height;
-    BoardMesh([&](float x, float y) {
-        const std::ptrdiff_t index = cellIndex(x, y);
-        return index < 0 ? 0.0f : filled[std::size_t(index)];
-    }).merge(*geode);
+    Relief relief(columns, rows);
+    for (const osg::ref_ptr<Block>& block : blocks) {
+        if (!block->getTransform())
+            continue;
+        Relief::Cell cell;
+        cell.top = block->corners();
+        cell.filled = true;
+        cell.merged = block->getTransform() == transform;
+        cell.restless = block->isRestless();
+        relief.set(relief.columnOf(block->x), relief.rowOf(block->y), cell);
+    }
+    return relief;
+}
+
+void Board::finishLook(const Relief& relief)
+{
+    BoardMesh(relief).merge(*geode);
     geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
+    root->setCullCallback(new BoardLook(*level, relief, *root->getOrCreateStateSet()));
+    level->ground->catchShadow(*this, relief);
 }

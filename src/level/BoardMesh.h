@@ -1,25 +1,23 @@
 #pragma once
 
 #include <osg/Geometry>
-#include <osg/ref_ptr>
-
-#include <functional>
 
 namespace osg {
 class Geode;
 }
 
+class Relief;
+
 /// The drawings of all static blocks as one: hundreds of drawables cost more to hand over than to
-/// draw, and most upright faces of a board stand against a neighbour and are never seen.
+/// draw, and most upright faces of a board stand against a neighbour and are never seen. Each
+/// vertex also tells what the wood's shader wants to know of its cell: the cell's middle and the
+/// height of its upper face over the vertex as texture coordinate 0, the open edges as 1.
 ///
-/// Board coordinates throughout; cells lie around (x, y) in steps of one.
+/// Board coordinates throughout.
 class BoardMesh
 {
 public:
-    /// The height up to which the cell around (x, y) is filled from edge to edge; 0 for a hole.
-    using FilledHeight = std::function<float(float x, float y)>;
-
-    explicit BoardMesh(FilledHeight filledHeight);
+    explicit BoardMesh(const Relief& relief);
 
     /// Replaces the drawables of `geode` by one drawable that shows the same from outside.
     void merge(osg::Geode& geode) const;
@@ -28,5 +26,5 @@ private:
     bool isCovered(const osg::Vec3f& a, const osg::Vec3f& b, const osg::Vec3f& c,
                    const osg::Vec3f& normal) const;
 
-    FilledHeight filledHeight;
+    const Relief& relief;
 };

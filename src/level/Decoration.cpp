@@ -5,7 +5,9 @@
 
 #include <osg/BlendFunc>
 #include <osg/Geode>
+#include <osg/Geometry>
 #include <osg/Group>
+#include <osg/PolygonOffset>
 #include <osg/observer_ptr>
 #include <osgParticle/FluidFrictionOperator>
 #include <osgParticle/ModularEmitter>
@@ -20,6 +22,8 @@
 #include <utility>
 
 namespace {
+
+constexpr int inlayBin = 1;  // wood is drawn in bin 0, translucent things in bin 10
 
 constexpr double lifeSeconds = 1.0;
 constexpr float mass = 0.01f;
@@ -93,6 +97,39 @@ osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, const std::string& progr
     game->setSharedStages(*shared, programName);
     known = shared;
     return shared;
+}
+
+osg::ref_ptr<ShaderProgram> addInlay(osg::Group* parent, InlayKind kind,
+                                     const CornerHeights& corners, const osg::Vec3f& direction,
+                                     Rollix* game)
+{
+    osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array;
+    osg::ref_ptr<osg::Vec2Array> places = new osg::Vec2Array;
+    for (const osg::Vec2f& place : {osg::Vec2f(-0.5f, -0.5f), osg::Vec2f(0.5f, -0.5f),
+                                    osg::Vec2f(0.5f, 0.5f), osg::Vec2f(-0.5f, 0.5f)}) {
+        places->push_back(place);
+        const float height = corners.at(place.x() + 0.5f, place.y() + 0.5f);
+        vertices->push_back(osg::Vec3f(place.x(), place.y(), height));
+    }
+    osg::ref_ptr<osg::Vec3Array> normal = new osg::Vec3Array;
+    normal->push_back(((*vertices)[1] - (*vertices)[0]) ^ ((*vertices)[3] - (*vertices)[0]));
+    osg::ref_ptr<osg::Geometry> picture = new osg::Geometry;
+    picture->setVertexArray(vertices);
+    picture->setNormalArray(normal, osg::Array::BIND_OVERALL);
+    picture->setTexCoordArray(0, places, osg::Array::BIND_PER_VERTEX);
+    picture->addPrimitiveSet(new osg::DrawArrays(GL_QUADS, 0, GLsizei(vertices->size())));
+
+    osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    geode->addDrawable(picture);
+    osg::StateSet* stateSet = geode->getOrCreateStateSet();
+    stateSet->addUniform(new osg::Uniform("a_InlayKind", int(kind)));
+    stateSet->addUniform(new osg::Uniform("a_InlayDirection", direction));
+    stateSet->setMode(GL_BLEND, osg::StateAttribute::ON);
+    // Over the wood that it lies in, before all that is translucent.
+    stateSet->setAttributeAndModes(new osg::PolygonOffset(-1.0f, -1.0f), osg::StateAttribute::ON);
+    stateSet->setRenderBinDetails(inlayBin, "RenderBin");
+    parent->addChild(geode);
+    return addProgram(geode, "inlay", game);
 }
 
 osg::ref_ptr<ShaderProgram> addSparks(osg::Group* parent, const Sparks& sparks, Rollix* game)

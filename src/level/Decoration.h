@@ -1,5 +1,6 @@
 #pragma once
 
+#include "level/BlockShape.h"
 #include "shaders/ShaderProgram.h"
 
 #include <osg/Vec3f>
@@ -25,6 +26,15 @@ class Rollix;
 /// uniform of it.
 osg::ref_ptr<ShaderProgram> addProgram(osg::Node* node, const std::string& programName,
                                        Rollix* game);
+
+/// A picture let into the upper face of a block, which says what the block does.
+enum class InlayKind : int { Mine = 0, Portal = 1 };
+
+/// Adds the picture to `parent`, the transform of a block of these corners over its own origin; one
+/// that points somewhere points along `direction` on the board. The result is its program.
+osg::ref_ptr<ShaderProgram> addInlay(osg::Group* parent, InlayKind kind,
+                                     const CornerHeights& corners, const osg::Vec3f& direction,
+                                     Rollix* game);
 
 /// A fountain that never runs dry. Positions and directions in the frame of the node that it hangs
 /// on.

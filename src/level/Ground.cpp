@@ -1,8 +1,10 @@
 #include "level/Ground.h"
 
 #include "game/Rollix.h"
+#include "level/BoardShadow.h"
 #include "level/FilterGroups.h"
 #include "level/Level.h"
+#include "shaders/ShaderProgram.h"
 
 #include <osg/ShapeDrawable>
 
@@ -12,6 +14,8 @@ const osg::Vec3f center(0.0f, 0.0f, -10.0f);
 const osg::Vec3f up(0.0f, 0.0f, 1.0f);
 const osg::Vec3f drawnSize(30.0f, 30.0f, 0.1f);
 const osg::Vec4f darkGrey(0.2f, 0.2f, 0.2f, 1.0f);
+constexpr unsigned int grainUnit = 0;
+constexpr int behindAll = 2;  // bin: drawn after all that is solid, it costs only where it is seen
 
 }  // namespace
 
@@ -23,8 +27,26 @@ Ground::Ground(Level& owner) : GameObject(owner), geode(new osg::Geode)
     geode->addDrawable(square);
     // Its underside fills half the window for nothing.
     geode->getOrCreateStateSet()->setMode(GL_CULL_FACE, osg::StateAttribute::ON);
+    createShader();
     level->addChild(geode);
     game()->createPlane(id, "holz", center, up, groundGroup, groundMask);
+}
+
+Ground::~Ground() = default;
+
+void Ground::createShader()
+{
+    shader = new ShaderProgram(geode);
+    game()->setSharedStages(*shader, "ground");
+    osg::StateSet* stateSet = geode->getOrCreateStateSet();
+    stateSet->setTextureAttribute(grainUnit, game()->sharedTexture("data/Rollix/wood.png"));
+    stateSet->addUniform(new osg::Uniform("a_WoodGrain", int(grainUnit)));
+    stateSet->setRenderBinDetails(behindAll, "RenderBin");
+}
+
+void Ground::catchShadow(const Board& board, const Relief& relief)
+{
+    geode->setCullCallback(new BoardShadow(board, relief, *geode->getOrCreateStateSet()));
 }
 
 void Ground::hitByBall(Ball*)

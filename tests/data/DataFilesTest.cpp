@@ -127,6 +127,32 @@ TEST(ScorePictures, AreTransparentAroundAndOfSizesThatNeedNoScaling)
     }
 }
 
+TEST(WoodPicture, HasOneChannelThatUsesItsRangeAndASizeThatNeedsNoScaling)
+{
+    const QImage picture("data/Rollix/wood.png");
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_TRUE(picture.isGrayscale());
+    EXPECT_TRUE(isPowerOfTwo(picture.width()));
+    EXPECT_TRUE(isPowerOfTwo(picture.height()));
+    EXPECT_FALSE(picture.colorSpace().isValid()) << "has a colour profile";
+    int palest = 255;
+    int darkest = 0;
+    double sum = 0.0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int grain = qGray(picture.pixel(x, y));
+            palest = std::min(palest, grain);
+            darkest = std::max(darkest, grain);
+            sum += grain;
+        }
+    }
+    EXPECT_LT(palest, 10);
+    EXPECT_GT(darkest, 200);
+    const double mean = sum / (picture.width() * picture.height());
+    EXPECT_GT(mean, 40.0) << "a board of one colour";
+    EXPECT_LT(mean, 110.0) << "a dark one";
+}
+
 TEST(TextFont, HasEveryLetterThatTheGameWrites)
 {
     const QRawFont font(QString("data/Bevan.ttf"), 30.0);

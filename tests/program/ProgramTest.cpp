@@ -247,7 +247,7 @@ TEST_F(ProgramTest, EndsAsItShouldThoughTheSoundDoesNot)
 TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
 {
     lacks({"data/Bevan.ttf", "data/Rollix/boardShader.frag", "data/wood.glsl",
-           "data/Rollix/coins.png", "data/Rollix/wood-ball-hit-3.mp3"});
+           "data/Rollix/coins.png", "data/Rollix/wood.png", "data/Rollix/wood-ball-hit-3.mp3"});
     // Nothing to hit: no sound is asked for.
     paints(0, LevelPicture(1, 1));
     starts();
@@ -260,6 +260,7 @@ TEST_F(ProgramTest, GoesOnWithoutAFontAShaderAPictureAndASound)
               (Lines{"FMOD error 18 - There is no such file.", noDeviceLine,
                      "I cannot read the font data/Bevan.ttf. I write with what I have.",
                      "I cannot read the image data/Rollix/coins.png. Imagine it.",
+                     "I cannot read the image data/Rollix/wood.png. Imagine the grain.",
                      "I cannot read the shader data/Rollix/boardShader.frag. What it colours looks "
                      "odd now.",
                      "I cannot read the shader data/wood.glsl. What it colours looks odd now."}))
