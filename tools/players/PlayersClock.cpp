@@ -16,9 +16,9 @@ constexpr long long grid = 60 * nanosecondsPerSecond;
 constexpr int clockCount = 16;
 
 std::atomic<bool> stopped{false};
-// Zero for a clock that nobody has asked for yet: it stops at the next full minute then. The toolkit
-// lets timers of seconds go off together at round times of the clock, so each run has to begin at
-// the same one.
+// Zero for a clock that nobody has asked for yet: it stops at the next full minute then. The
+// toolkit lets timers of seconds go off together at round times of the clock, so each run has to
+// begin at the same one.
 std::atomic<long long> stoppedAt[clockCount];
 std::atomic<long long> advanced{0};
 
