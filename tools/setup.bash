@@ -9,7 +9,8 @@ build=$root/build/$preset
 playPackages=(
     ca-certificates cmake g++ ninja-build pkg-config
     libcli11-dev libgl-dev libgl1-mesa-dri libopenal-dev libopenscenegraph-dev
-    libqt5opengl5-dev libqt5websockets5-dev libsndfile1-dev nlohmann-json3-dev qtbase5-dev
+    libqt5opengl5-dev libqt5websockets5-dev libsdl2-dev libsndfile1-dev libxcb1-dev
+    nlohmann-json3-dev qtbase5-dev
 )
 testPackages=(
     appstream clang-format-14 cppcheck desktop-file-utils git imagemagick libbenchmark-dev

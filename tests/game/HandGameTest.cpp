@@ -156,6 +156,12 @@ int FrameWitness::connections() const
     return connects;
 }
 
+std::int64_t FrameWitness::newestServed() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return frames.empty() ? 0 : frames.back().id;
+}
+
 std::int64_t FrameWitness::newestArrived() const
 {
     const std::lock_guard<std::mutex> lock(mutex);

@@ -45,6 +45,8 @@ public:
     /// All since forgets(), in order.
     std::vector<Served> served() const;
     int connections() const;
+    /// The newest frame that was served; 0 since forgets().
+    std::int64_t newestServed() const;
     /// The newest frame that has arrived, served or not.
     std::int64_t newestArrived() const;
 

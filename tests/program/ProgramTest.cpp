@@ -1,5 +1,6 @@
 #include "GameFolder.h"
 #include "program/ProgramWindow.h"
+#include "program/Sight.h"
 #include "support/LevelPicture.h"
 #ifdef LEAP_IS_OWN
 #include "support/SensorService.h"
@@ -124,36 +125,6 @@ protected:
     ProgramWindow window;
     QByteArray output;
 };
-
-struct Sight
-{
-    int wood = 0;
-    int red = 0;
-    int sky = 0;
-    double redX = 0.0;  // middle of the red, pixels
-};
-
-Sight lookAt(const QImage& image)
-{
-    Sight sight;
-    // The hearts of the score are red too; they stand above.
-    for (int y = image.height() / 10; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb pixel = image.pixel(x, y);
-            if (qRed(pixel) > 90 && qGreen(pixel) < 50 && qBlue(pixel) < 50) {
-                ++sight.red;
-                sight.redX += x;
-            } else if (qRed(pixel) > qGreen(pixel) + 15 && qGreen(pixel) > qBlue(pixel) + 15) {
-                ++sight.wood;
-            } else if (qBlue(pixel) == 153 && qRed(pixel) == 51 && qGreen(pixel) == 51) {
-                ++sight.sky;
-            }
-        }
-    }
-    if (sight.red > 0)
-        sight.redX /= sight.red;
-    return sight;
-}
 
 TEST_F(ProgramTest, IsPlayedByKeysAndEndsWhenItsWindowIsClosed)
 {

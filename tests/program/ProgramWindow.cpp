@@ -70,6 +70,8 @@ public:
         return window != 0;
     }
 
+    unsigned long id() const { return window; }
+
     void sendKey(int type, const char* name)
     {
         const KeySym symbol = XStringToKeysym(name);
@@ -144,6 +146,11 @@ void ProgramWindow::presses(const char* key)
 void ProgramWindow::releases(const char* key)
 {
     connection->sendKey(KeyRelease, key);
+}
+
+unsigned long ProgramWindow::id() const
+{
+    return connection->id();
 }
 
 void ProgramWindow::types(const char* key)

@@ -15,6 +15,9 @@ public:
     /// False until the process shows a window.
     bool find(qint64 process);
 
+    /// As the display numbers it; 0 before it is found.
+    unsigned long id() const;
+
     /// By the names of the X keyboard, as "Left" or "plus".
     void presses(const char* key);
     void releases(const char* key);

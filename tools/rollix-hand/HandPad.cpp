@@ -8,130 +8,147 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstddef>
 
 namespace {
 
-constexpr float farthestTilt = 0.6f;  // radians, a little over the board's own limit
-constexpr float farthestYaw = 0.7f;
-constexpr float lowest = 60.0f;  // mm
-constexpr float highest = 450.0f;
-constexpr float heightPerNotch = 15.0f;
-constexpr float betweenHands = 110.0f;  // from the sensor's middle to either hand
-
 // The view: millimetres to pixels, and how far the back of the pad is up the picture.
-constexpr double scale = 1.0;
+constexpr double scale = 0.65;
 constexpr double depthToRight = 0.15;
 constexpr double depthToUp = 0.45;
 constexpr double heightToUp = 0.8;
 
+constexpr int wheelNotch = 120;  // eighths of a degree
+
 const QColor paper(250, 247, 240);
+const QColor takenPaper(255, 252, 226);
 const QColor ink(60, 50, 40);
 const QColor grid(215, 208, 195);
 const QColor skin(222, 170, 130);
 const QColor wood(150, 105, 65);
 
+bool looksTheSame(const PlayedHand& hand, const PlayedHand& other)
+{
+    return hand.isLeft == other.isLeft && hand.palm == other.palm && hand.pitch == other.pitch &&
+           hand.yaw == other.yaw && hand.roll == other.roll && hand.tipOffset == other.tipOffset;
+}
+
 }  // namespace
 
 HandPad::HandPad(QWidget* parent) : QWidget(parent)
 {
-    setMouseTracking(true);
     setMinimumSize(sizeHint());
+    setCursor(Qt::PointingHandCursor);
 }
 
 QSize HandPad::sizeHint() const
 {
-    return QSize(560, 440);
+    return QSize(330, 230);
 }
 
-std::vector<PlayedHand> HandPad::hands() const
+bool HandPad::follow()
 {
-    if (!handPresent)
-        return {};
-    PlayedHand right;
-    right.id = handNumber;
-    right.palm.setY(palmHeight);
-    const auto x = float(mouse.x());
-    const auto y = float(mouse.y());
-    if (!secondHand) {
-        // The ball rolls to the mouse: down where it is.
-        right.roll = -farthestTilt * x;
-        right.pitch = -farthestTilt * y;
-        return {right};
-    }
-    right.yaw = farthestYaw * x;
-    right.palm.setX(betweenHands);
-    PlayedHand left = right;
-    left.id = handNumber + 1;
-    left.isLeft = true;
-    left.palm.setX(-betweenHands);
-    return {right, left};
+    const QPoint way = pointer.motion();
+    hand.move(QVector2D(float(way.x()), float(-way.y())));
+    return !way.isNull();
+}
+
+void HandPad::take()
+{
+    activateWindow();
+    pointer.capture();
+    hand.take();
+    wheelTurn = 0;
+    update();
+    emit taken();
+}
+
+void HandPad::letGo()
+{
+    pointer.release();
+    hand.letGo();
+    update();
 }
 
 void HandPad::draw(const std::vector<PlayedHand>& sent)
 {
+    if (std::equal(sent.begin(), sent.end(), shown.begin(), shown.end(), looksTheSame))
+        return;
     shown = sent;
     update();
 }
 
-void HandPad::setHandPresent(bool present)
+void HandPad::mousePressEvent(QMouseEvent* event)
 {
-    if (present && !handPresent)
-        handNumber += 2;
-    handPresent = present;
-    emit changed();
+    if (!hand.isTaken()) {
+        if (event->button() == Qt::LeftButton)
+            take();
+        return;
+    }
+    switch (event->button()) {
+    case Qt::LeftButton:
+        // The menu that comes leaves the board level; so the hand waits level for its end.
+        hand.level();
+        emit tapped();
+        break;
+    case Qt::RightButton:
+        hand.raiseSecondHand(true);
+        break;
+    case Qt::MiddleButton:
+        hand.level();
+        break;
+    default:
+        break;
+    }
 }
 
-void HandPad::setSecondHand(bool present)
+// The second of two quick clicks is a click like any other.
+void HandPad::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    secondHand = present;
-    emit changed();
+    mousePressEvent(event);
 }
 
-void HandPad::mouseMoveEvent(QMouseEvent* event)
+void HandPad::mouseReleaseEvent(QMouseEvent* event)
 {
-    const auto part = [](double at, int size) {
-        return std::clamp(2.0 * at / std::max(size, 1) - 1.0, -1.0, 1.0);
-    };
-    mouse = QPointF(part(event->localPos().x(), width()), -part(event->localPos().y(), height()));
-    emit changed();
-}
-
-// A mouse that goes for a button leaves a level hand behind, not one that tilts for ever.
-void HandPad::leaveEvent(QEvent*)
-{
-    mouse = QPointF();
-    emit changed();
+    if (event->button() == Qt::RightButton && hand.isTaken())
+        hand.raiseSecondHand(false);
 }
 
 void HandPad::wheelEvent(QWheelEvent* event)
 {
-    constexpr float notch = 120.0f;
-    const auto notches = float(event->angleDelta().y()) / notch;
-    palmHeight = std::clamp(palmHeight + notches * heightPerNotch, lowest, highest);
     event->accept();
-    emit changed();
+    if (!hand.isTaken())
+        return;
+    // Towards the player, as one scrolls down a list, is down the menu.
+    wheelTurn -= event->angleDelta().y();
+    for (; wheelTurn >= wheelNotch; wheelTurn -= wheelNotch)
+        emit circled(true);
+    for (; wheelTurn <= -wheelNotch; wheelTurn += wheelNotch)
+        emit circled(false);
 }
 
 void HandPad::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), paper);
+    painter.fillRect(rect(), hand.isTaken() ? takenPaper : paper);
     paintGround(painter);
-    for (const PlayedHand& hand : shown)
-        paintHand(painter, hand);
-    if (shown.empty()) {
-        painter.setPen(ink);
-        painter.drawText(rect(), Qt::AlignCenter, tr("No hand over the sensor"));
-    }
+    for (const PlayedHand& one : shown)
+        paintHand(painter, one);
+    painter.setPen(ink);
+    if (hand.isTaken())
+        painter.drawText(rect(), Qt::AlignHCenter | Qt::AlignTop, tr("Esc lets the mouse go"));
+    else if (shown.empty())
+        painter.drawText(rect(), Qt::AlignCenter,
+                         tr("Click here, and the mouse is your hand,\nor touch a gamepad's stick"));
 }
 
 QPointF HandPad::project(const QVector3D& place) const
 {
     const double right = place.x() - depthToRight * place.z();
     const double up = heightToUp * place.y() - depthToUp * place.z();
-    return QPointF(0.5 * width() + scale * right, 0.82 * height() - scale * up);
+    return QPointF(0.5 * width() + scale * right, 0.78 * height() - scale * up);
 }
 
 void HandPad::paintGround(QPainter& painter) const
@@ -150,30 +167,30 @@ void HandPad::paintGround(QPainter& painter) const
                                    project({40, 0, 14}), project({-40, 0, 14})}));
 }
 
-void HandPad::paintHand(QPainter& painter, const PlayedHand& hand) const
+void HandPad::paintHand(QPainter& painter, const PlayedHand& shownHand) const
 {
-    const QVector3D foot(hand.palm.x(), 0.0f, hand.palm.z());
+    const QVector3D foot(shownHand.palm.x(), 0.0f, shownHand.palm.z());
     painter.setPen(QPen(grid.darker(120), 1.5, Qt::DashLine));
-    painter.drawLine(project(hand.palm), project(foot));
+    painter.drawLine(project(shownHand.palm), project(foot));
 
     // The board that the hand stands for.
-    const QQuaternion pose = hand.orientation();
+    const QQuaternion pose = shownHand.orientation();
     QPolygonF board;
     for (const QVector3D& corner : {QVector3D(-95, 0, -125), QVector3D(95, 0, -125),
                                     QVector3D(95, 0, 75), QVector3D(-95, 0, 75)})
-        board << project(hand.palm + pose.rotatedVector(corner));
+        board << project(shownHand.palm + pose.rotatedVector(corner));
     QColor glass = wood;
     glass.setAlpha(50);
-    painter.setPen(QPen(wood, 1.5));
+    painter.setPen(QPen(wood, 1.2));
     painter.setBrush(glass);
     painter.drawPolygon(board);
 
     QPolygonF palm;
-    const QPen finger(skin, 13.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-    const QPen outline(ink, 16.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    const QPen finger(skin, 13.0 * scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    const QPen outline(ink, 13.0 * scale + 2.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     std::vector<QPainterPath> fingers;
     for (int number = 0; number < fingerCount; ++number) {
-        const auto joints = fingerJoints(hand, number);
+        const auto joints = fingerJoints(shownHand, number);
         if (number == 0)
             palm << project(joints[0]);
         palm << project(joints[1]);
@@ -182,7 +199,7 @@ void HandPad::paintHand(QPainter& painter, const PlayedHand& hand) const
             path.lineTo(project(joints[joint]));
         fingers.push_back(path);
     }
-    palm << project(fingerJoints(hand, fingerCount - 1)[0]);
+    palm << project(fingerJoints(shownHand, fingerCount - 1)[0]);
     QPainterPath whole;
     whole.addPolygon(palm);
     whole.closeSubpath();

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "CapturedPointer.h"
 #include "PlayedHand.h"
+#include "PointerHand.h"
 
 #include <QWidget>
 
 #include <vector>
 
-/// The place over the sensor, seen from the player's side and a little from above. The mouse is the
-/// hand: where it goes, the ball is to roll. The wheel lifts and lowers it.
+/// The place over the sensor, seen from the player's side and a little from above. A click on it
+/// makes the pointer a hand until it is let go.
 class HandPad : public QWidget
 {
     Q_OBJECT
@@ -15,35 +17,36 @@ class HandPad : public QWidget
 public:
     explicit HandPad(QWidget* parent = nullptr);
 
-    /// The hands as the mouse and the switches have them now; the first one is the right hand.
-    std::vector<PlayedHand> hands() const;
+    PointerHand& pointerHand() { return hand; }
+    /// Moves the hand as the pointer has moved since this was last called; whether it has.
+    bool follow();
+    void letGo();
+
     /// What is drawn: the hands as they were sent, fingers in motion included.
     void draw(const std::vector<PlayedHand>& sent);
-
-    void setHandPresent(bool present);
-    void setSecondHand(bool present);
-    bool hasSecondHand() const { return secondHand; }
 
     QSize sizeHint() const override;
 
 signals:
-    void changed();
+    void taken();
+    void tapped();
+    void circled(bool clockwise);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void leaveEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    void take();
     QPointF project(const QVector3D& place) const;
     void paintGround(QPainter& painter) const;
-    void paintHand(QPainter& painter, const PlayedHand& hand) const;
+    void paintHand(QPainter& painter, const PlayedHand& shownHand) const;
 
+    PointerHand hand;
+    CapturedPointer pointer{*this};
+    int wheelTurn = 0;  // eighths of a degree that are not yet a notch
     std::vector<PlayedHand> shown;
-    bool handPresent = true;
-    bool secondHand = false;
-    QPointF mouse;              // -1 to 1 in both directions, up is positive
-    float palmHeight = 200.0f;  // mm
-    int handNumber = 1;         // a hand that comes back is a new one for the service
 };

@@ -16,7 +16,10 @@ constexpr double startProgress = 0.75;
 
 }  // namespace
 
-HandPlayer::HandPlayer(int framesPerSecond_) : framesPerSecond(framesPerSecond_) {}
+HandPlayer::HandPlayer(int framesPerSecond_, double pace_)
+    : framesPerSecond(framesPerSecond_), pace(pace_)
+{
+}
 
 void HandPlayer::tap()
 {
@@ -30,6 +33,13 @@ void HandPlayer::circle(double turns, bool clockwise)
     movement.turns = turns;
     movement.clockwise = clockwise;
     movements.push_back(movement);
+}
+
+bool HandPlayer::isTapping() const
+{
+    return std::any_of(
+        movements.begin(), movements.end(),
+        [](const Movement& movement) { return movement.type == PlayedGesture::Type::ScreenTap; });
 }
 
 PlayedFrame HandPlayer::nextFrame()
@@ -46,7 +56,7 @@ PlayedFrame HandPlayer::nextFrame()
             movement.started = true;
             ++gestures;
         }
-        movement.time += 1.0 / framesPerSecond;
+        movement.time += frameTime();
         const bool goesOn = movement.type == PlayedGesture::Type::Circle
                                 ? moveCircle(movement, hand, frame)
                                 : moveTap(movement, hand, frame);
@@ -61,7 +71,7 @@ PlayedFrame HandPlayer::nextFrame()
 
 bool HandPlayer::moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& frame)
 {
-    const double before = movement.time - 1.0 / framesPerSecond - restTime;
+    const double before = movement.time - frameTime() - restTime;
     const double time = movement.time - restTime;
     const double depth = 1.0 - std::fabs(std::clamp(time, 0.0, 2.0 * pokeTime) / pokeTime - 1.0);
     hand.tipOffset = QVector3D(0.0f, 0.0f, -pokeDepth * float(depth));
@@ -72,7 +82,7 @@ bool HandPlayer::moveTap(Movement& movement, PlayedHand& hand, PlayedFrame& fram
 
 bool HandPlayer::moveCircle(Movement& movement, PlayedHand& hand, PlayedFrame& frame)
 {
-    const double step = 1.0 / framesPerSecond / turnTime;
+    const double step = frameTime() / turnTime;
     const double turned = (movement.time - restTime) / turnTime;
     const double before = turned - step;
     const auto angle = float(2.0 * pi * std::clamp(turned, 0.0, movement.turns));
@@ -101,7 +111,7 @@ PlayedGesture HandPlayer::report(const Movement& movement, const PlayedHand& han
     gesture.id = gestures;
     gesture.state = state;
     gesture.handId = hand.id;
-    gesture.duration = qint64((movement.time - restTime) * 1e6);
+    gesture.duration = qint64((movement.time - restTime) / pace * 1e6);
     gesture.place = hand.indexTip();
     if (movement.type == PlayedGesture::Type::Circle) {
         gesture.place -= hand.tipOffset + QVector3D(0.0f, radius, 0.0f);

@@ -1,6 +1,8 @@
 #include "SensorServer.h"
 
 #include <QHostAddress>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
@@ -17,13 +19,15 @@ constexpr int mostMessages = 1000;
 SensorServer::SensorServer(const Behaviour& behaviour_, QObject* parent)
     : QObject(parent),
       behaviour(behaviour_),
-      handPlayer(behaviour_.framesPerSecond),
+      handPlayer(behaviour_.framesPerSecond, behaviour_.pace),
+      door(new QTcpServer(this)),
       server(new QWebSocketServer(QStringLiteral("sensor"), QWebSocketServer::NonSecureMode, this)),
       timer(this)
 {
     timer.setTimerType(Qt::PreciseTimer);
     timer.setInterval(1000 / behaviour.framesPerSecond);
     connect(&timer, &QTimer::timeout, this, &SensorServer::sendFrame);
+    connect(door, &QTcpServer::newConnection, this, &SensorServer::open);
     connect(server, &QWebSocketServer::newConnection, this, &SensorServer::accept);
 }
 
@@ -34,11 +38,12 @@ SensorServer::~SensorServer()
 
 bool SensorServer::listen(quint16 port)
 {
-    return server->listen(QHostAddress::LocalHost, port);
+    return door->listen(QHostAddress::LocalHost, port);
 }
 
 void SensorServer::close()
 {
+    door->close();
     server->close();
     const std::vector<Client> all = clients;
     for (const Client& client : all)
@@ -47,29 +52,30 @@ void SensorServer::close()
 
 quint16 SensorServer::port() const
 {
-    return server->serverPort();
+    return door->serverPort();
 }
 
 QString SensorServer::errorString() const
 {
-    return server->errorString();
+    return door->errorString();
 }
 
 void SensorServer::sendFrame()
 {
+    emit frameDue();
     PlayedFrame frame = handPlayer.nextFrame();
-    frame.tellsGestures = false;
-    const QByteArray plain = frameMessage(frame);
-    frame.tellsGestures = behaviour.recognizesGestures;
-    const QByteArray withGestures = frameMessage(frame);
     const bool someoneElseHasFocus = focusedCount() > 0;
+    QString texts[2];  // without gestures and with them, once a client is to have one
     // Of a copy: to send may end a connection, and with it its place in the list.
     const std::vector<Client> all = clients;
     for (const Client& client : all) {
         if (!behaviour.mindsFocus || client.focused ||
             (client.background && !someoneElseHasFocus)) {
-            client.socket->sendTextMessage(
-                QString::fromUtf8(client.gestures ? withGestures : plain));
+            frame.tellsGestures = client.gestures && behaviour.recognizesGestures;
+            QString& text = texts[frame.tellsGestures ? 1 : 0];
+            if (text.isEmpty())
+                text = QString::fromUtf8(frameMessage(frame));
+            client.socket->sendTextMessage(text);
         }
     }
     emit frameSent();
@@ -103,6 +109,16 @@ int SensorServer::focusedCount() const
 {
     return int(std::count_if(
         clients.begin(), clients.end(), [](const Client& client) { return client.focused; }));
+}
+
+// A frame must not wait until the client has answered to the one before, which takes it up to 40
+// ms.
+void SensorServer::open()
+{
+    while (QTcpSocket* socket = door->nextPendingConnection()) {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        server->handleConnection(socket);
+    }
 }
 
 void SensorServer::accept()

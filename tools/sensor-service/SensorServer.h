@@ -8,6 +8,7 @@
 
 #include <vector>
 
+class QTcpServer;
 class QWebSocket;
 class QWebSocketServer;
 
@@ -24,6 +25,8 @@ public:
         /// Tells its gestures to clients that ask for them, as older services do. Newer ones do
         /// not, and their clients have only the moving finger to go by.
         bool recognizesGestures = true;
+        /// Of the player's finger.
+        double pace = 1.0;
         bool greets = true;
         /// Off, every client gets the frames, whatever window is active.
         bool mindsFocus = true;
@@ -57,6 +60,8 @@ public:
 
 signals:
     void clientsChanged();
+    /// The last moment to say what the hands do in the next frame.
+    void frameDue();
     void frameSent();
 
 private:
@@ -68,6 +73,7 @@ private:
         bool background = false;
     };
 
+    void open();
     void accept();
     void obey(QWebSocket* socket, const QString& message);
     void forget(QWebSocket* socket);
@@ -75,7 +81,9 @@ private:
 
     Behaviour behaviour;
     HandPlayer handPlayer;
-    QWebSocketServer* server;  // a child, which moves to another thread along with its parent
+    // Children, which move to another thread along with their parent.
+    QTcpServer* door;
+    QWebSocketServer* server;
     QTimer timer;
     std::vector<Client> clients;
     qint64 connections = 0;
