@@ -8,5 +8,5 @@ void main()
     //HOTSPOT_START_MAIN
     float grain = woodGrain();
     float gloss = woodGloss * (1.0 - 0.6 * grain);
-    gl_FragColor = vec4(litWood(woodColor(grain), bevelled(faceNormal()), gloss), 1.0);
+    gl_FragColor = vec4(litWood(woodColor(grain), gloss), 1.0);
 }

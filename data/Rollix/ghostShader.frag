@@ -22,7 +22,6 @@ void main()
 {
     //HOTSPOT_START_MAIN
     float pixelSize = length(fwidth(boardPosition));
-    vec3 normal = faceNormal();
     // Faces turned away would be mixed in or not by the order of drawing.
     if (!gl_FrontFacing)
         discard;
@@ -32,9 +31,7 @@ void main()
 
     vec2 toBorder = 0.5 - abs(inCell.xy);
     // One of the two is zero all over an upright face; there the other draws the outline.
-    float border = boardNormal.z * boardNormal.z > 0.2 * dot(boardNormal, boardNormal)
-                       ? min(toBorder.x, toBorder.y)
-                       : max(toBorder.x, toBorder.y);
+    float border = upright < 0.5 ? min(toBorder.x, toBorder.y) : max(toBorder.x, toBorder.y);
     float outline = 1.0 - smoothstep(0.4 * outlineWidth, max(outlineWidth, 1.5 * pixelSize), border);
 
     // Where the noise is above what is left of the block, the block is gone.
@@ -50,7 +47,7 @@ void main()
     float grain = woodGrain();
     vec3 wood = woodColor(grain);
     wood = mix(wood, vec3(max(wood.r, 0.5) * (1.0 - 0.3 * grain)), bleached) * ghostTint;
-    vec3 color = litWood(wood, bevelled(normal), woodGloss);
+    vec3 color = litWood(wood, woodGloss);
     color += edgeGlow * 0.16 * outline;
     if (solid < 1.0)
         color = mix(edgeGlow, color, smoothstep(0.0, edgeWidth, left));

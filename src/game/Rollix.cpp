@@ -36,14 +36,13 @@ constexpr float cameraDistance = 25.0f;
 constexpr float cameraAngle = 3.1415927f;
 const osg::Vec3f cameraCenter(0.0f, -2.0f, 0.0f);
 
-const osg::Vec4f sky(0.2f, 0.2f, 0.6f, 1.0f);
-
 const osg::Vec4f goodNews(0.0f, 0.9f, 0.0f, 1.0f);
 const osg::Vec4f badNews(0.9f, 0.0f, 0.0f, 1.0f);
 
 }  // namespace
 
 const osg::Vec3f Rollix::lightPosition(8.0f, -8.0f, 16.0f);
+const osg::Vec4f Rollix::skyColor(0.2f, 0.2f, 0.6f, 1.0f);
 
 Rollix::Rollix(OsgViewerWidget* window) : widget(window)
 {
@@ -78,7 +77,7 @@ void Rollix::setUpCamera()
 {
     osg::Camera* camera = getCamera();
     camera->setGraphicsContext(widget->getGraphicsWindow());
-    camera->setClearColor(sky);
+    camera->setClearColor(skyColor);
     camera->setViewport(0, 0, 800, 600);
     camera->setProjectionMatrixAsPerspective(30.0, 1.3333333333333333, 1.0, 10000.0);
 }

@@ -14,7 +14,6 @@ const osg::Vec3f center(0.0f, 0.0f, -10.0f);
 const osg::Vec3f up(0.0f, 0.0f, 1.0f);
 const osg::Vec3f drawnSize(30.0f, 30.0f, 0.1f);
 const osg::Vec4f darkGrey(0.2f, 0.2f, 0.2f, 1.0f);
-constexpr unsigned int grainUnit = 0;
 constexpr int behindAll = 2;  // bin: drawn after all that is solid, it costs only where it is seen
 
 }  // namespace
@@ -38,15 +37,13 @@ void Ground::createShader()
 {
     shader = new ShaderProgram(geode);
     game()->setSharedStages(*shader, "ground");
-    osg::StateSet* stateSet = geode->getOrCreateStateSet();
-    stateSet->setTextureAttribute(grainUnit, game()->sharedTexture("data/Rollix/wood.png"));
-    stateSet->addUniform(new osg::Uniform("a_WoodGrain", int(grainUnit)));
-    stateSet->setRenderBinDetails(behindAll, "RenderBin");
+    geode->getOrCreateStateSet()->setRenderBinDetails(behindAll, "RenderBin");
 }
 
 void Ground::catchShadow(const Board& board, const Relief& relief)
 {
-    geode->setCullCallback(new BoardShadow(board, relief, *geode->getOrCreateStateSet()));
+    const osg::Image* const grain = game()->sharedTexture("data/Rollix/wood.png")->getImage();
+    geode->setCullCallback(new BoardShadow(board, relief, grain, *geode->getOrCreateStateSet()));
 }
 
 void Ground::hitByBall(Ball*)

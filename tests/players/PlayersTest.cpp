@@ -7,6 +7,7 @@
 #include <osg/Timer>
 
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 
 namespace {
@@ -82,6 +83,21 @@ TEST(Players, PlayOnAClockThatTheyMove)
         },
         [](std::size_t) {});
     EXPECT_EQ(seen[0], "seen");
+}
+
+TEST(Players, BeginEachRunAtAFullMinute)
+{
+    const std::vector<std::string> seen = inProcesses(
+        1, 1,
+        [](std::size_t) {
+            ManualClock clock;
+            clock.advanceToFullMinute();
+            timespec time{};
+            clock_gettime(CLOCK_MONOTONIC, &time);
+            return std::to_string(time.tv_sec % 60) + " " + std::to_string(time.tv_nsec);
+        },
+        [](std::size_t) {});
+    EXPECT_EQ(seen[0], "0 0") << "or timers that are rounded go off earlier in some runs";
 }
 
 TEST(Players, PlayTheSameRunForTheSameSeed)

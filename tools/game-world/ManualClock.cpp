@@ -97,6 +97,13 @@ void ManualClock::advance(std::chrono::nanoseconds time)
         stoppedAt[clock] += time.count();
 }
 
+void ManualClock::advanceToFullMinute()
+{
+    constexpr long long minute = 60 * nanosecondsPerSecond;
+    for (const clockid_t clock : clocks)
+        stoppedAt[clock] = (stoppedAt[clock] / minute + 1) * minute;
+}
+
 void ManualClock::passes(int milliseconds)
 {
     std::chrono::milliseconds left(milliseconds);

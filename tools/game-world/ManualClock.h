@@ -18,6 +18,10 @@ public:
 
     void advance(std::chrono::nanoseconds time);
 
+    /// Advances each of the clocks to its next full minute. The toolkit lets timers of seconds go
+    /// off together at round times: runs that shall be alike have to begin at the same one.
+    void advanceToFullMinute();
+
     /// Advances in small steps, and serves the timers that come due.
     void passes(int milliseconds);
 };

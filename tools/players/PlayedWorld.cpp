@@ -8,6 +8,7 @@
 PlayedWorld::PlayedWorld(const QDir& home) : folder(home)
 {
     folder.enter();
+    clock.advanceToFullMinute();
     // As in the game itself, neither widget nor game is ever deleted.
     auto* widget = new OsgViewerWidget;
     auto* game = new Rollix(widget);
