@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 
 namespace {
@@ -72,6 +73,20 @@ TEST(Players, PlayOnAClockThatTheyMove)
         },
         [](std::size_t) {});
     EXPECT_EQ(seen[0], "seen");
+}
+
+TEST(Players, BeginEachRunAtAFullMinute)
+{
+    const std::vector<std::string> seen = inProcesses(
+        1, 1,
+        [](std::size_t) {
+            PlayersClock::stop();
+            timespec time{};
+            clock_gettime(CLOCK_MONOTONIC, &time);
+            return std::to_string(time.tv_sec % 60) + " " + std::to_string(time.tv_nsec);
+        },
+        [](std::size_t) {});
+    EXPECT_EQ(seen[0], "0 0") << "or timers that are rounded go off earlier in some runs";
 }
 
 TEST(Players, PlayTheSameRunForTheSameSeed)

@@ -12,10 +12,13 @@
 namespace {
 
 constexpr long long nanosecondsPerSecond = 1000000000;
+constexpr long long grid = 60 * nanosecondsPerSecond;
 constexpr int clockCount = 16;
 
 std::atomic<bool> stopped{false};
-// Zero for a clock that nobody has asked for yet: it stops at its true time then.
+// Zero for a clock that nobody has asked for yet: it stops at the next full minute then. The
+// toolkit lets timers of seconds go off together at round times of the clock, so each run has to
+// begin at the same one.
 std::atomic<long long> stoppedAt[clockCount];
 std::atomic<long long> advanced{0};
 
@@ -31,7 +34,7 @@ long long shownTime(clockid_t clock)
     if (!stopped || clock < 0 || clock >= clockCount)
         return trueTime(clock);
     long long start = 0;
-    const long long now = trueTime(clock);
+    const long long now = (trueTime(clock) / grid + 1) * grid;
     if (!stoppedAt[clock].compare_exchange_strong(start, now))
         return start + advanced;
     return now + advanced;
