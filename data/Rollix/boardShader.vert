@@ -57,9 +57,10 @@ vec2 folded(vec2 place, vec2 cell)
     return mix(inSheet, grainCells - inSheet, turned);
 }
 
-vec3 stainAt(float z)
+// Of a block's top and of its sides: it is of one wood.
+vec3 stainFor(float top)
 {
-    float height = clamp((z - lowestTop) / (highestTop - lowestTop), 0.0, 1.0);
+    float height = clamp((top - lowestTop) / (highestTop - lowestTop), 0.0, 1.0);
     vec3 wood = height < 0.5 ? mix(paleWood, amberWood, 2.0 * height) : mix(amberWood, darkWood, 2.0 * height - 1.0);
     return mix(wood, a_Lacquer.rgb, a_Lacquer.a);
 }
@@ -83,6 +84,8 @@ void main()
 
     vec3 normal = gl_Normal / max(length(gl_Normal), 1.0e-4);
     upright = normal.z < 0.2 ? 1.0 : 0.0;
+    // A side does not lean further to where it looks already.
+    openEdges *= 1.0 - upright * step(0.5, vec4(normal.xy, -normal.xy));
     float slope = length(normal.xy);
     uphill = upright < 0.5 && slope > 0.05 ? vec3(-normal.xy / slope, 1.0) : vec3(0.0);
 
@@ -93,7 +96,7 @@ void main()
     vec2 point = (shadeCell - 0.5 + a_ShadeOrigin) * a_ShadePoints.x + 0.5 + inShade * (a_ShadePoints.x - 1.0);
     shadePlace = point * a_ShadePoints.yz;
 
-    stain = stainAt(boardPosition.z) * mix(vec3(1.0), sideStain, upright);
+    stain = stainFor(top) * mix(vec3(1.0), sideStain, upright);
 
     // A face is small beside its way to lamp and eye: in between, these may be mixed.
     toLamp = normalize(a_LampOnBoard - place);
