@@ -335,7 +335,6 @@ TEST(FmodLayerDeathTest, LetsNoLibraryChatterWhenTheDesktopHasNoDevice)
             setenv("PULSE_SERVER", "unix:/nonexistent/pulse", 1);
             setenv("ALSA_CONFIG_PATH", "/nonexistent/alsa.conf", 1);
             setenv("JACK_DEFAULT_SERVER", "nonexistent", 1);
-            unsetenv("ALSOFT_LOGLEVEL");
             FMOD::System* system = nullptr;
             FMOD_System_Create(&system);
             const FMOD_RESULT result = system->init(channelCount, FMOD_INIT_NORMAL, nullptr);

@@ -29,11 +29,10 @@ void silenceAlsa()
     // The library stays open: closed and loaded anew by OpenAL it would have forgotten the handler.
 }
 
-// OpenAL reads the level at the first call into it. Somebody who set it wants to hear.
-void silenceOpenAl()
-{
-    setenv("ALSOFT_LOGLEVEL", "0", 0);
-}
+// OpenAL reads the level at the first call into it. Somebody who set it wants to hear. The
+// environment moves when it grows, under the eyes of any thread that reads it: this is done before
+// there are any.
+[[maybe_unused]] const int openAlSilenced = setenv("ALSOFT_LOGLEVEL", "0", 0);
 
 ALCdevice* openDefaultDevice(std::vector<ALCint>&)
 {
@@ -49,7 +48,7 @@ void OutputDevice::openWith(Opener opener)
 
 std::unique_ptr<OutputDevice> OutputDevice::open()
 {
-    static const bool silenced = (silenceOpenAl(), silenceAlsa(), true);
+    static const bool silenced = (silenceAlsa(), true);
     static_cast<void>(silenced);
 
     std::vector<ALCint> attributes;
