@@ -103,6 +103,11 @@ class Files(Installation):
         self.assertIn(words(licence[licence.index("SIL OPEN FONT LICENSE Version"):]).strip(),
                       words(copyright_file))
 
+    def test_brings_the_palette_for_paint_programs(self):
+        palette = self.has("share/doc/rollix/rollix.gpl").read_text(encoding="utf-8")
+        self.assertTrue(palette.startswith("GIMP Palette\n"))
+        self.assertIn("\thole\n", palette)
+
     def test_the_guide_for_authors_finds_its_pictures(self):
         guide = self.has("share/doc/rollix/levels.md")
         for target in re.findall(r"\]\(([^)#:]+)[)#]", guide.read_text(encoding="utf-8")):
