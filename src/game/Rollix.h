@@ -48,6 +48,7 @@ public:
 
     /// The lamp's place in the world, "a_LightPos" to shaders.
     static const osg::Vec3f lightPosition;
+    /// Behind everything; the ground fades into it.
     static const osg::Vec4f skyColor;
 
     /// Serves a requested level change, then turns the held arrow keys into torque on the board.
