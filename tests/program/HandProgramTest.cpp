@@ -219,7 +219,7 @@ TEST_F(HandProgramTest, ChangesNothingWhenItIsStartedTwiceAndEndsWhenTheGameCras
     EXPECT_EQ(hand.child(), broughtGame);
     EXPECT_FALSE(hand.hasEnded());
 
-    kill(pid_t(broughtGame), SIGSEGV);
+    kill(pid_t(broughtGame), SIGABRT);
     ASSERT_TRUE(waitsFor([this] { return hand.hasEnded(); }));
     broughtGame = 0;
     EXPECT_EQ(hand.process.exitStatus(), QProcess::NormalExit);

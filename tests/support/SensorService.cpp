@@ -78,10 +78,14 @@ void SensorService::circles(double turns, bool clockwise)
 
 void SensorService::playsToTheEnd()
 {
-    onServer([](SensorServer& service) {
-        while (service.player().isMoving())
-            service.sendFrame();
-    });
+    // A frame at a time: in between the service answers, else it would be taken for a hanging one.
+    bool moves = true;
+    while (moves)
+        onServer([&](SensorServer& service) {
+            if (service.player().isMoving())
+                service.sendFrame();
+            moves = service.player().isMoving();
+        });
 }
 
 void SensorService::sendsText(const QByteArray& text)
