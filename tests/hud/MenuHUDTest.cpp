@@ -42,6 +42,15 @@ public:
         return result;
     }
 
+    std::vector<osg::BoundingBox> extents()
+    {
+        std::vector<osg::BoundingBox> result;
+        for (const auto& child : children)
+            if (const osgText::Text* text = textOf(*child))
+                result.push_back(text->getBoundingBox());
+        return result;
+    }
+
     osg::Group* group_() { return group.get(); }
 };
 
@@ -158,6 +167,34 @@ TEST_F(MenuHUDTest, ShowsTheTitleAndTheLinesWithTheSelectedOneLarge)
         EXPECT_EQ(lines[i + 1].position.x(), 400.0f);
         EXPECT_EQ(lines[i + 1].position.y(), float(int(windowHeight * (0.6f - float(i) * 0.1f))));
     }
+}
+
+TEST_F(MenuHUDTest, ShrinksAllLinesByOneFactorInAWindowThatIsTooNarrow)
+{
+    MenuItemAction wide([] {}, "Restart the level", &folder);
+    folder.addItem(&wide);
+    menu->show();
+    const auto expectAllInside = [this](int width) {
+        for (const osg::BoundingBox& extent : menu->extents()) {
+            EXPECT_GT(extent.xMin(), 0.0f) << width;
+            EXPECT_LT(extent.xMax(), float(width)) << width;
+        }
+    };
+    for (int width : {480, 320, 240}) {
+        menu->resize(width, windowHeight);
+        expectAllInside(width);
+        // As it stands after a step through the lines, which makes them anew.
+        presses(Qt::Key_Up);
+        expectAllInside(width);
+        presses(Qt::Key_Down);
+        const auto lines = menu->lines();
+        EXPECT_EQ(lines[0].size, lines[1].size) << "the selected line is as large as the title";
+        for (int i = 2; i < 5; ++i)
+            EXPECT_NEAR(lines[i].size, 0.8f * lines[1].size, 1.0f) << "line " << i;
+    }
+    EXPECT_LT(menu->lines()[0].size, 40.0f);
+    menu->resize(windowWidth, windowHeight);
+    EXPECT_EQ(menu->lines()[1].size, 50.0f);
 }
 
 TEST_F(MenuHUDTest, MovesTheSelectionRoundAtBothEnds)
