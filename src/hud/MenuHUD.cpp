@@ -21,21 +21,24 @@ constexpr float firstLineHeight = 0.6f;
 constexpr float lineDistance = 0.1f;
 
 constexpr float smallestShare = 0.3f;  // of these sizes that can be read
+constexpr float largestCrowd = 1.25f;  // of a line's size to the distance of two
 constexpr float leastShrink = 0.98f;   // the widths of glyphs do not shrink evenly with their size
 
-/// Shrinks lines that the window has no room for, all by one factor: which of them is chosen is
-/// told by their sizes.
-void fitIntoWindow(const std::vector<osg::ref_ptr<TextHUD>>& lines)
+/// Shrinks lines that the window has no room for, all by one factor, which is the same whatever is
+/// chosen: that is told by the sizes.
+void fitIntoWindow(const std::vector<osg::ref_ptr<TextHUD>>& lines, int windowHeight)
 {
-    for (float share = 1.0f; share > smallestShare;) {
+    float share =
+        std::min(float(windowHeight) * lineDistance * largestCrowd / selectedLineSize, 1.0f);
+    while (true) {
         float room = 1.0f;
-        for (const auto& line : lines)
-            room = std::min(room, line->roomInWindow());
-        if (room >= 1.0f)
+        for (const auto& line : lines) {
+            line->setShare(share);
+            room = std::min(room, line->roomInWindow(selectedLineSize));
+        }
+        if (room >= 1.0f || share <= smallestShare)
             return;
         share *= std::min(room, leastShrink);
-        for (const auto& line : lines)
-            line->setShare(share);
     }
 }
 
@@ -81,7 +84,7 @@ void MenuHUD::build()
         lines.push_back(line);
         ++index;
     }
-    fitIntoWindow(lines);
+    fitIntoWindow(lines, getHeight());
 }
 
 void MenuHUD::onKeyPress(QKeyEvent* event)

@@ -111,19 +111,20 @@ float TextHUD::drawnSize(float shareOfSize) const
                               : characterSize;
 }
 
-float TextHUD::roomFor(const osgText::Text& drawable) const
+float TextHUD::roomFor(const osgText::Text& drawable, float enlarged) const
 {
     const osg::Vec3& anchor = drawable.getPosition();
-    const osg::BoundingBox bounds = drawable.getBoundingBox();
-    return std::min(roomAround(anchor.x(), bounds.xMin(), bounds.xMax(), float(getWidth())),
-                    roomAround(anchor.y(), bounds.yMin(), bounds.yMax(), float(getHeight())));
+    const osg::Vec3 low = anchor + (drawable.getBoundingBox()._min - anchor) * enlarged;
+    const osg::Vec3 high = anchor + (drawable.getBoundingBox()._max - anchor) * enlarged;
+    return std::min(roomAround(anchor.x(), low.x(), high.x(), float(getWidth())),
+                    roomAround(anchor.y(), low.y(), high.y(), float(getHeight())));
 }
 
 void TextHUD::fitIntoWindow(osgText::Text& drawable) const
 {
     float size = characterSize;
     while (size > smallestSize) {
-        const float room = roomFor(drawable);
+        const float room = roomFor(drawable, 1.0f);
         if (room >= 1.0f)
             return;
         // The widths of glyphs do not shrink evenly with their size.
@@ -132,16 +133,18 @@ void TextHUD::fitIntoWindow(osgText::Text& drawable) const
     }
 }
 
-float TextHUD::roomInWindow() const
+float TextHUD::roomInWindow(float size) const
 {
     const osg::Drawable* const drawable =
         geode && geode->getNumDrawables() > 0 ? geode->getDrawable(0) : nullptr;
     const auto* const line = dynamic_cast<const osgText::Text*>(drawable);
-    return line ? roomFor(*line) : 1.0f;
+    return line ? roomFor(*line, size / characterSize) : 1.0f;
 }
 
 void TextHUD::setShare(float newShare)
 {
+    if (share == newShare)
+        return;
     share = newShare;
     refresh();
 }

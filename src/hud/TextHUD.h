@@ -32,9 +32,9 @@ public:
     /// The point of the text that lies on the anchor.
     void setAlignment(osgText::TextBase::AlignmentType alignment);
 
-    /// For lines in a container, which shrink together or not at all: how much of what is drawn
-    /// the window has room for, at most 1, and how much of its size a line is drawn with.
-    float roomInWindow() const;
+    /// For lines in a container, which shrink together or not at all: how much of the line, were it
+    /// of this size, the window has room for, at most 1, and how much of its size it is drawn with.
+    float roomInWindow(float size) const;
     void setShare(float share);
 
 protected:
@@ -48,7 +48,7 @@ protected:
 
 private:
     float drawnSize(float shareOfSize) const;
-    float roomFor(const osgText::Text& drawable) const;
+    float roomFor(const osgText::Text& drawable, float enlarged) const;
     void fitIntoWindow(osgText::Text& drawable) const;
 
     float share = 1.0f;  // of the size

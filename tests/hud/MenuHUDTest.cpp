@@ -174,27 +174,34 @@ TEST_F(MenuHUDTest, ShrinksAllLinesByOneFactorInAWindowThatIsTooNarrow)
     MenuItemAction wide([] {}, "Restart the level", &folder);
     folder.addItem(&wide);
     menu->show();
-    const auto expectAllInside = [this](int width) {
-        for (const osg::BoundingBox& extent : menu->extents()) {
-            EXPECT_GT(extent.xMin(), 0.0f) << width;
-            EXPECT_LT(extent.xMax(), float(width)) << width;
-        }
-    };
     for (int width : {480, 320, 240}) {
+        SCOPED_TRACE(width);
         menu->resize(width, windowHeight);
-        expectAllInside(width);
-        // As it stands after a step through the lines, which makes them anew.
-        presses(Qt::Key_Up);
-        expectAllInside(width);
-        presses(Qt::Key_Down);
-        const auto lines = menu->lines();
-        EXPECT_EQ(lines[0].size, lines[1].size) << "the selected line is as large as the title";
-        for (int i = 2; i < 5; ++i)
-            EXPECT_NEAR(lines[i].size, 0.8f * lines[1].size, 1.0f) << "line " << i;
+        const float large = menu->lines()[0].size;
+        for (int selected = 0; selected < 4; ++selected) {
+            for (const osg::BoundingBox& extent : menu->extents()) {
+                EXPECT_GT(extent.xMin(), 0.0f);
+                EXPECT_LT(extent.xMax(), float(width));
+            }
+            const auto lines = menu->lines();
+            EXPECT_EQ(lines[0].size, large) << "the title stays as it is";
+            for (int line = 0; line < 4; ++line)
+                EXPECT_NEAR(lines[line + 1].size, (line == selected ? 1.0f : 0.8f) * large, 1.0f);
+            presses(Qt::Key_Down);
+        }
     }
-    EXPECT_LT(menu->lines()[0].size, 40.0f);
+    EXPECT_LT(menu->lines()[0].size, 30.0f);
     menu->resize(windowWidth, windowHeight);
     EXPECT_EQ(menu->lines()[1].size, 50.0f);
+}
+
+TEST_F(MenuHUDTest, KeepsItsLinesApartInALowWindow)
+{
+    menu->show();
+    menu->resize(windowWidth, 250);
+    const auto extents = menu->extents();
+    for (std::size_t line = 2; line < extents.size(); ++line)
+        EXPECT_GT(extents[line - 1].yMin() + 4.0f, extents[line].yMax()) << line;
 }
 
 TEST_F(MenuHUDTest, MovesTheSelectionRoundAtBothEnds)
