@@ -28,8 +28,8 @@ constexpr float leastShrink = 0.98f;   // the widths of glyphs do not shrink eve
 /// chosen: that is told by the sizes.
 void fitIntoWindow(const std::vector<osg::ref_ptr<TextHUD>>& lines, int windowHeight)
 {
-    float share =
-        std::min(float(windowHeight) * lineDistance * largestCrowd / selectedLineSize, 1.0f);
+    float share = std::clamp(float(windowHeight) * lineDistance * largestCrowd / selectedLineSize,
+                             smallestShare, 1.0f);
     while (true) {
         float room = 1.0f;
         for (const auto& line : lines) {
