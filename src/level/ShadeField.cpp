@@ -62,6 +62,8 @@ ShadeField::ShadeField(int columnCount, int rowCount)
       cells(std::size_t(columnCount + 2) * std::size_t(rowCount + 2)),
       staleOpenness(cells.size(), true),
       bytes(std::size_t(width()) * std::size_t(height()) * channels, 0),
+      depths(std::size_t(width()) * std::size_t(height()), 0),
+      unsmoothedRows(std::size_t(rowCount + 2), false),
       staleRows(rowCount + 2)
 {
 }
@@ -76,11 +78,16 @@ std::size_t ShadeField::indexOf(int column, int row) const
     return std::size_t(row + 1) * std::size_t(columns + 2) + std::size_t(column + 1);
 }
 
-unsigned char* ShadeField::point(int column, int row, int i, int j)
+std::size_t ShadeField::placeOf(int column, int row, int i, int j) const
 {
     const std::size_t x = std::size_t((column + 1) * perCell + i);
     const std::size_t y = std::size_t((row + 1) * perCell + j);
-    return &bytes[(y * std::size_t(width()) + x) * channels];
+    return y * std::size_t(width()) + x;
+}
+
+unsigned char* ShadeField::point(int column, int row, int i, int j)
+{
+    return &bytes[placeOf(column, row, i, j) * channels];
 }
 
 void ShadeField::setTop(int column, int row, const CornerHeights& heights)
@@ -124,9 +131,14 @@ bool ShadeField::update(const osg::Vec3f& lamp)
         return false;
     for (int budget = pointsOfACall; staleRows > 0 && budget > 0; --staleRows) {
         workOutRow(nextRow);
+        for (int row = std::max(nextRow - 1, -1); row <= std::min(nextRow + 1, rows); ++row)
+            unsmoothedRows[std::size_t(row + 1)] = true;
         nextRow = nextRow == rows ? -1 : nextRow + 1;
         budget -= columns * perCell * perCell;
     }
+    for (int row = -1; row <= rows; ++row)
+        if (unsmoothedRows[std::size_t(row + 1)])
+            smoothRow(row);
     return true;
 }
 
@@ -158,10 +170,73 @@ void ShadeField::workOutShadow(int column, int row)
 {
     for (int j = 0; j < perCell; ++j) {
         for (int i = 0; i < perCell; ++i) {
-            unsigned char* const known = point(column, row, i, j);
             const float depth = shadowDepth(column, row, partOf(i), partOf(j), lampPlace);
-            known[Shadow] = byteOf((depth - lowestShadow) / shadowRange);
-            known[Left] = 255;
+            depths[placeOf(column, row, i, j)] = byteOf((depth - lowestShadow) / shadowRange);
+            point(column, row, i, j)[Left] = 255;
+        }
+    }
+}
+
+/// Whether a cell's face goes on in a neighbour's without a step.
+bool ShadeField::runsOn(int column, int row, int aside, int along) const
+{
+    const int nextColumn = column + aside;
+    const int next = row + along;
+    if (nextColumn < -1 || nextColumn > columns || next < -1 || next > rows)
+        return false;
+    const CornerHeights& a = cell(column, row).top;
+    const CornerHeights& b = cell(nextColumn, next).top;
+    const float u = 0.5f * float(aside + 1);
+    const float v = 0.5f * float(along + 1);
+    return std::abs(a.at(u, v) - b.at(u - float(aside), v - float(along))) < visibleTopMove;
+}
+
+/// The sides of a shadow are as sharp as a point is wide, and would be seen as a saw: a point is
+/// mixed with those round it, also beyond the cell's border where the wood runs on.
+int ShadeField::smoothedDepth(int column, int row, int i, int j) const
+{
+    const int last = perCell - 1;
+    int sum = 0;
+    for (int y = j - 1; y <= j + 1; ++y) {
+        int inRow = std::clamp(y, 0, last);
+        int along = 0;
+        if (y != inRow && runsOn(column, row, 0, y - inRow)) {
+            along = y - inRow;
+            inRow = along < 0 ? last - 1 : 1;  // they share the border's points
+        }
+        for (int x = i - 1; x <= i + 1; ++x) {
+            int inColumn = std::clamp(x, 0, last);
+            int aside = 0;
+            if (x != inColumn && runsOn(column, row + along, x - inColumn, 0)) {
+                aside = x - inColumn;
+                inColumn = aside < 0 ? last - 1 : 1;
+            }
+            sum += (x == i ? 2 : 1) * (y == j ? 2 : 1) *
+                   depths[placeOf(column + aside, row + along, inColumn, inRow)];
+        }
+    }
+    return (sum + 8) / 16;
+}
+
+void ShadeField::smoothRow(int row)
+{
+    unsmoothedRows[std::size_t(row + 1)] = false;
+    const std::size_t up = std::size_t(width());
+    for (int column = -1; column <= columns; ++column) {
+        for (int j = 0; j < perCell; ++j) {
+            for (int i = 0; i < perCell; ++i) {
+                int depth = 0;
+                if (i > 0 && j > 0 && i < perCell - 1 && j < perCell - 1) {
+                    const unsigned char* const at = &depths[placeOf(column, row, i, j)];
+                    const auto across = [](const unsigned char* middle) {
+                        return middle[-1] + 2 * middle[0] + middle[1];
+                    };
+                    depth = (across(at - up) + 2 * across(at) + across(at + up) + 8) / 16;
+                } else {
+                    depth = smoothedDepth(column, row, i, j);
+                }
+                point(column, row, i, j)[Shadow] = static_cast<unsigned char>(depth);
+            }
         }
     }
 }
