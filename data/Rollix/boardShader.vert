@@ -35,7 +35,7 @@ flat out vec3 halfway;        // of length 1, between the ways to the lamp and t
 
 // The stains: a floor is pale, and every half unit of height is a shade darker, so that steps are seen
 // from straight above as well; upright faces are darker than any top beside them.
-const vec3 paleWood = vec3(0.93, 0.72, 0.45);
+const vec3 paleWood = vec3(0.89, 0.69, 0.43);
 const vec3 amberWood = vec3(0.74, 0.43, 0.19);
 const vec3 darkWood = vec3(0.40, 0.19, 0.09);
 const vec3 sideStain = vec3(0.80, 0.72, 0.68);

@@ -25,10 +25,12 @@ constexpr float hoverBlur = 0.09f;  // units, at the thing itself, and more for 
 constexpr float hoverSpread = 0.13f;
 constexpr float darkestHover = 0.3f;  // what a coin leaves of the lamp
 
+constexpr int mostPoints = 8;  // along a cell
+
 int pointsFor(int cells)
 {
     if (cells <= 32 * 32)
-        return 8;
+        return mostPoints;
     if (cells <= 64 * 64)
         return 6;
     return cells <= 128 * 128 ? 4 : 2;
@@ -191,52 +193,50 @@ bool ShadeField::runsOn(int column, int row, int aside, int along) const
     return std::abs(a.at(u, v) - b.at(u - float(aside), v - float(along))) < visibleTopMove;
 }
 
-/// The sides of a shadow are as sharp as a point is wide, and would be seen as a saw: a point is
-/// mixed with those round it, also beyond the cell's border where the wood runs on.
-int ShadeField::smoothedDepth(int column, int row, int i, int j) const
-{
-    const int last = perCell - 1;
-    int sum = 0;
-    for (int y = j - 1; y <= j + 1; ++y) {
-        int inRow = std::clamp(y, 0, last);
-        int along = 0;
-        if (y != inRow && runsOn(column, row, 0, y - inRow)) {
-            along = y - inRow;
-            inRow = along < 0 ? last - 1 : 1;  // they share the border's points
-        }
-        for (int x = i - 1; x <= i + 1; ++x) {
-            int inColumn = std::clamp(x, 0, last);
-            int aside = 0;
-            if (x != inColumn && runsOn(column, row + along, x - inColumn, 0)) {
-                aside = x - inColumn;
-                inColumn = aside < 0 ? last - 1 : 1;
-            }
-            sum += (x == i ? 2 : 1) * (y == j ? 2 : 1) *
-                   depths[placeOf(column + aside, row + along, inColumn, inRow)];
-        }
-    }
-    return (sum + 8) / 16;
-}
-
 void ShadeField::smoothRow(int row)
 {
     unsmoothedRows[std::size_t(row + 1)] = false;
-    const std::size_t up = std::size_t(width());
-    for (int column = -1; column <= columns; ++column) {
-        for (int j = 0; j < perCell; ++j) {
-            for (int i = 0; i < perCell; ++i) {
-                int depth = 0;
-                if (i > 0 && j > 0 && i < perCell - 1 && j < perCell - 1) {
-                    const unsigned char* const at = &depths[placeOf(column, row, i, j)];
-                    const auto across = [](const unsigned char* middle) {
-                        return middle[-1] + 2 * middle[0] + middle[1];
-                    };
-                    depth = (across(at - up) + 2 * across(at) + across(at + up) + 8) / 16;
-                } else {
-                    depth = smoothedDepth(column, row, i, j);
-                }
-                point(column, row, i, j)[Shadow] = static_cast<unsigned char>(depth);
-            }
+    for (int column = -1; column <= columns; ++column)
+        smoothCell(column, row);
+}
+
+/// The sides of a shadow are as sharp as a point is wide, and would be seen as a saw: a point is
+/// mixed with those round it, also beyond the cell's border where the wood runs on.
+void ShadeField::smoothCell(int column, int row)
+{
+    // The cell's points, and a line more on every side.
+    unsigned char known[mostPoints + 2][mostPoints + 2];
+    const int last = perCell - 1;
+    const auto copyLine = [&](int line, int fromRow, int j, bool fromLeft, bool fromRight) {
+        // Neighbours share the border's points, so that the next one is their second.
+        const unsigned char* const own = &depths[placeOf(column, fromRow, 0, j)];
+        known[line][0] = fromLeft ? own[-2] : own[0];
+        std::copy(own, own + perCell, &known[line][1]);
+        known[line][perCell + 1] = fromRight ? own[perCell + 1] : own[last];
+    };
+    const bool left = runsOn(column, row, -1, 0);
+    const bool right = runsOn(column, row, 1, 0);
+    for (int j = 0; j < perCell; ++j)
+        copyLine(j + 1, row, j, left, right);
+    if (runsOn(column, row, 0, -1))
+        copyLine(0, row - 1, last - 1, runsOn(column, row - 1, -1, 0),
+                 runsOn(column, row - 1, 1, 0));
+    else
+        copyLine(0, row, 0, left, right);
+    if (runsOn(column, row, 0, 1))
+        copyLine(perCell + 1, row + 1, 1, runsOn(column, row + 1, -1, 0),
+                 runsOn(column, row + 1, 1, 0));
+    else
+        copyLine(perCell + 1, row, last, left, right);
+
+    for (int j = 0; j < perCell; ++j) {
+        unsigned char* smoothed = point(column, row, 0, j);
+        for (int i = 0; i < perCell; ++i, smoothed += channels) {
+            const auto across = [&](int line) {
+                return known[line][i] + 2 * known[line][i + 1] + known[line][i + 2];
+            };
+            const int sum = across(j) + 2 * across(j + 1) + across(j + 2);
+            smoothed[Shadow] = static_cast<unsigned char>((sum + 8) / 16);
         }
     }
 }

@@ -70,7 +70,7 @@ private:
     void workOutShadow(int column, int row);
     void smoothRow(int row);
     bool runsOn(int column, int row, int aside, int along) const;
-    int smoothedDepth(int column, int row, int i, int j) const;
+    void smoothCell(int column, int row);
     std::size_t placeOf(int column, int row, int i, int j) const;
     void throwShadow(const Hovering& thing, int row);
     unsigned char* point(int column, int row, int i, int j);
