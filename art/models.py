@@ -157,9 +157,9 @@ def arc(center, radius, start, end, steps):
 
 def coin():
     """A minted coin: bevelled edge, raised rim, and a ridged star on either face."""
-    radius, half, bevel = 0.495, 0.085, 0.03
-    rim, field, floor = 0.41, 0.37, 0.045
-    star_outer, star_inner, star_top = 0.32, 0.135, 0.095
+    radius, half, bevel = 0.48, 0.13, 0.03
+    rim, field, floor = 0.40, 0.36, 0.085
+    star_outer, star_inner, star_top = 0.31, 0.13, 0.135
     mesh = Mesh()
 
     for side in (1.0, -1.0):

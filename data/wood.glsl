@@ -48,7 +48,7 @@ const float ballRadius = 0.3;
 const float ballBlur = 0.05;    // of the edge of its shadow, units at the ball, and more for each unit away
 const float ballSpread = 0.16;
 
-const float woodGloss = 0.34;
+const float woodGloss = 0.27;
 const float woodShininess = 60.0;
 
 float woodGrain()

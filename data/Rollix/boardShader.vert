@@ -35,10 +35,12 @@ flat out vec3 halfway;        // of length 1, between the ways to the lamp and t
 
 // The stains: a floor is pale, and every half unit of height is a shade darker, so that steps are seen
 // from straight above as well; upright faces are darker than any top beside them.
-const vec3 paleWood = vec3(0.93, 0.72, 0.45);
+const vec3 paleWood = vec3(0.89, 0.69, 0.43);
 const vec3 amberWood = vec3(0.74, 0.43, 0.19);
 const vec3 darkWood = vec3(0.40, 0.19, 0.09);
 const vec3 sideStain = vec3(0.80, 0.72, 0.68);
+const float sideFill = 0.8;    // how much lighter sides are where no lamp shines on them: what floor and ground
+const float sideFade = 0.25;   // throw back; gone at this cosine to the lamp
 const float lowestTop = 0.5;   // height of the lowest blocks
 const float highestTop = 2.0;  // and of the highest
 
@@ -96,12 +98,12 @@ void main()
     vec2 point = (shadeCell - 0.5 + a_ShadeOrigin) * a_ShadePoints.x + 0.5 + inShade * (a_ShadePoints.x - 1.0);
     shadePlace = point * a_ShadePoints.yz;
 
-    stain = stainFor(top) * mix(vec3(1.0), sideStain, upright);
-
     // A face is small beside its way to lamp and eye: in between, these may be mixed.
     toLamp = normalize(a_LampOnBoard - place);
     halfway = normalize(toLamp + normalize(a_EyeToBoard[3].xyz - place));
     facing = vec3(dot(normal, a_UpOnBoard), dot(normal, toLamp), dot(normal, halfway));
+    float fill = sideFill * clamp(1.0 - facing.y / sideFade, 0.0, 1.0);
+    stain = stainFor(top) * mix(vec3(1.0), sideStain * (1.0 + fill), upright);
     toBall.xyz = a_BallOnBoard - place;
     toBall.w = dot(toBall.xyz, toLamp);
     ballOver = dot(toBall.xyz, normal);

@@ -16,7 +16,7 @@ const float ringOuter = 0.41;
 const float ringParts = 8.0;   // red ones and as many black ones
 const vec3 ringRed = vec3(0.85, 0.05, 0.03);
 const vec3 ringBlack = vec3(0.05, 0.04, 0.04);
-const float mineGloss = 0.4;
+const float mineGloss = 0.15;
 const float mineShininess = 60.0;
 
 const vec3 portalDeep = vec3(0.02, 0.05, 0.45);

@@ -33,6 +33,17 @@ void offer(const std::list<Listener*>& listeners, void (Listener::*handler)(Even
 
 }  // namespace
 
+bool isSoftwareRenderer(const char* name)
+{
+    if (!name)
+        return false;
+    const QString driver = name;
+    for (const char* const known : {"llvmpipe", "softpipe", "swrast", "software rasterizer"})
+        if (driver.contains(known, Qt::CaseInsensitive))
+            return true;
+    return false;
+}
+
 OsgViewerWidget::OsgViewerWidget()
     : osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false), osgViewer::CompositeViewer()
 {
@@ -52,6 +63,15 @@ OsgViewerWidget::~OsgViewerWidget()
         removeView(getView(0));
     mouseListeners.clear();
     keyListeners.clear();
+}
+
+bool OsgViewerWidget::drawsInSoftware()
+{
+    osgQt::GLWidget::makeCurrent();
+    const bool software =
+        isSoftwareRenderer(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    osgQt::GLWidget::doneCurrent();
+    return software;
 }
 
 void OsgViewerWidget::addKeyListener(KeyListener* listener)

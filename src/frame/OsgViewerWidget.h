@@ -11,6 +11,9 @@
 class KeyListener;
 class MouseListener;
 
+/// Whether a driver of that name (GL_RENDERER) draws without a graphics card. False for null.
+bool isSoftwareRenderer(const char* name);
+
 /// The program's one window: an OpenGL widget that is at the same time an OpenSceneGraph viewer.
 /// It draws the views that are added to it on the main thread, and passes key and mouse events on
 /// to listeners. F11 belongs to the window itself: it toggles full screen.
@@ -21,6 +24,9 @@ class OsgViewerWidget : public osgQt::GLWidget, public osgViewer::CompositeViewe
 public:
     OsgViewerWidget();
     ~OsgViewerWidget() override;
+
+    /// Whether the processor does the drawing, where every pixel costs. Not while a frame is drawn.
+    bool drawsInSoftware();
 
     /// Appends; a listener added twice stands twice. Listeners are not owned.
     void addKeyListener(KeyListener* listener);

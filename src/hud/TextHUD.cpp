@@ -77,7 +77,7 @@ void TextHUD::build()
 {
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
     geode->addDrawable(drawable);
-    setSize(*drawable, characterSize);
+    setSize(*drawable, drawnSize(share));
     const osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(fontFile);
     if (font)
         font->setMinFilterHint(osg::Texture::LINEAR);
@@ -99,26 +99,54 @@ void TextHUD::build()
     drawable->setColor(color);
     drawable->setAlignment(alignment);
     // The lines of a menu tell by their sizes which of them is chosen: only who stands alone
-    // shrinks.
+    // shrinks by itself.
     if (!inContainer)
         fitIntoWindow(*drawable);
 }
 
-void TextHUD::fitIntoWindow(osgText::Text& drawable) const
+float TextHUD::drawnSize(float shareOfSize) const
+{
+    // Whole pixels keep the glyphs sharp.
+    return shareOfSize < 1.0f ? std::max(std::floor(characterSize * shareOfSize), smallestSize)
+                              : characterSize;
+}
+
+float TextHUD::roomFor(const osgText::Text& drawable, float enlarged) const
 {
     const osg::Vec3& anchor = drawable.getPosition();
+    const osg::Vec3 low = anchor + (drawable.getBoundingBox()._min - anchor) * enlarged;
+    const osg::Vec3 high = anchor + (drawable.getBoundingBox()._max - anchor) * enlarged;
+    return std::min(roomAround(anchor.x(), low.x(), high.x(), float(getWidth())),
+                    roomAround(anchor.y(), low.y(), high.y(), float(getHeight())));
+}
+
+void TextHUD::fitIntoWindow(osgText::Text& drawable) const
+{
     float size = characterSize;
     while (size > smallestSize) {
-        const osg::BoundingBox bounds = drawable.getBoundingBox();
-        const float share =
-            std::min(roomAround(anchor.x(), bounds.xMin(), bounds.xMax(), float(getWidth())),
-                     roomAround(anchor.y(), bounds.yMin(), bounds.yMax(), float(getHeight())));
-        if (share >= 1.0f)
+        const float room = roomFor(drawable, 1.0f);
+        if (room >= 1.0f)
             return;
-        // Whole pixels keep the glyphs sharp; the widths of glyphs do not shrink evenly with them.
-        size = std::max(std::min(std::floor(size * share), size - 1.0f), smallestSize);
+        // The widths of glyphs do not shrink evenly with their size.
+        size = std::max(std::min(std::floor(size * room), size - 1.0f), smallestSize);
         setSize(drawable, size);
     }
+}
+
+float TextHUD::roomInWindow(float size) const
+{
+    const osg::Drawable* const drawable =
+        geode && geode->getNumDrawables() > 0 ? geode->getDrawable(0) : nullptr;
+    const auto* const line = dynamic_cast<const osgText::Text*>(drawable);
+    return line ? roomFor(*line, size / characterSize) : 1.0f;
+}
+
+void TextHUD::setShare(float newShare)
+{
+    if (share == newShare)
+        return;
+    share = newShare;
+    refresh();
 }
 
 void TextHUD::setText(std::string newText)

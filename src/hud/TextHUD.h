@@ -32,6 +32,11 @@ public:
     /// The point of the text that lies on the anchor.
     void setAlignment(osgText::TextBase::AlignmentType alignment);
 
+    /// For lines in a container, which shrink together or not at all: how much of the line, were it
+    /// of this size, the window has room for, at most 1, and how much of its size it is drawn with.
+    float roomInWindow(float size) const;
+    void setShare(float share);
+
 protected:
     ~TextHUD() override;
 
@@ -42,7 +47,10 @@ protected:
     osg::Vec4f color{0.0f, 0.0f, 0.0f, 1.0f};
 
 private:
+    float drawnSize(float shareOfSize) const;
+    float roomFor(const osgText::Text& drawable, float enlarged) const;
     void fitIntoWindow(osgText::Text& drawable) const;
 
+    float share = 1.0f;  // of the size
     osg::ref_ptr<ShaderProgram> shader;
 };

@@ -35,7 +35,17 @@ void move(osg::Vec3Array& vertices, const osg::Vec3f& offset)
         vertex += offset;
 }
 
-/// The six faces of a ramp, each with one normal (not of unit length).
+/// The normal, of any length, of a face that may have lost its first edge: a side of a ramp that
+/// begins at the board's surface has three corners left.
+osg::Vec3f faceNormal(const osg::Vec3Array& vertices, const unsigned int (&face)[4])
+{
+    const osg::Vec3f& corner = vertices[face[0]];
+    const osg::Vec3f toOpposite = corner - vertices[face[2]];
+    const osg::Vec3f normal = (corner - vertices[face[1]]) ^ toOpposite;
+    return normal.length2() > 0.0f ? normal : toOpposite ^ (corner - vertices[face[3]]);
+}
+
+/// The six faces of a ramp, each with one normal.
 osg::ref_ptr<osg::Geometry> rampGeometry(osg::Vec3Array* vertices)
 {
     static const unsigned int faces[6][4] = {{0, 1, 3, 2}, {2, 3, 7, 6}, {6, 7, 5, 4},
@@ -44,8 +54,7 @@ osg::ref_ptr<osg::Geometry> rampGeometry(osg::Vec3Array* vertices)
     osg::ref_ptr<osg::Vec3Array> normals = new osg::Vec3Array;
     for (const auto& face : faces) {
         geometry->addPrimitiveSet(new osg::DrawElementsUInt(GL_QUADS, 4, face));
-        const osg::Vec3f& corner = (*vertices)[face[0]];
-        normals->push_back((corner - (*vertices)[face[1]]) ^ (corner - (*vertices)[face[2]]));
+        normals->push_back(faceNormal(*vertices, face));
     }
     geometry->setVertexArray(vertices);
     geometry->setNormalArray(normals, osg::Array::BIND_PER_PRIMITIVE_SET);

@@ -25,10 +25,12 @@ constexpr float hoverBlur = 0.09f;  // units, at the thing itself, and more for 
 constexpr float hoverSpread = 0.13f;
 constexpr float darkestHover = 0.3f;  // what a coin leaves of the lamp
 
+constexpr int mostPoints = 8;  // along a cell
+
 int pointsFor(int cells)
 {
     if (cells <= 32 * 32)
-        return 8;
+        return mostPoints;
     if (cells <= 64 * 64)
         return 6;
     return cells <= 128 * 128 ? 4 : 2;
@@ -62,6 +64,8 @@ ShadeField::ShadeField(int columnCount, int rowCount)
       cells(std::size_t(columnCount + 2) * std::size_t(rowCount + 2)),
       staleOpenness(cells.size(), true),
       bytes(std::size_t(width()) * std::size_t(height()) * channels, 0),
+      depths(std::size_t(width()) * std::size_t(height()), 0),
+      unsmoothedRows(std::size_t(rowCount + 2), false),
       staleRows(rowCount + 2)
 {
 }
@@ -76,11 +80,16 @@ std::size_t ShadeField::indexOf(int column, int row) const
     return std::size_t(row + 1) * std::size_t(columns + 2) + std::size_t(column + 1);
 }
 
-unsigned char* ShadeField::point(int column, int row, int i, int j)
+std::size_t ShadeField::placeOf(int column, int row, int i, int j) const
 {
     const std::size_t x = std::size_t((column + 1) * perCell + i);
     const std::size_t y = std::size_t((row + 1) * perCell + j);
-    return &bytes[(y * std::size_t(width()) + x) * channels];
+    return y * std::size_t(width()) + x;
+}
+
+unsigned char* ShadeField::point(int column, int row, int i, int j)
+{
+    return &bytes[placeOf(column, row, i, j) * channels];
 }
 
 void ShadeField::setTop(int column, int row, const CornerHeights& heights)
@@ -124,9 +133,14 @@ bool ShadeField::update(const osg::Vec3f& lamp)
         return false;
     for (int budget = pointsOfACall; staleRows > 0 && budget > 0; --staleRows) {
         workOutRow(nextRow);
+        for (int row = std::max(nextRow - 1, -1); row <= std::min(nextRow + 1, rows); ++row)
+            unsmoothedRows[std::size_t(row + 1)] = true;
         nextRow = nextRow == rows ? -1 : nextRow + 1;
         budget -= columns * perCell * perCell;
     }
+    for (int row = -1; row <= rows; ++row)
+        if (unsmoothedRows[std::size_t(row + 1)])
+            smoothRow(row);
     return true;
 }
 
@@ -158,10 +172,71 @@ void ShadeField::workOutShadow(int column, int row)
 {
     for (int j = 0; j < perCell; ++j) {
         for (int i = 0; i < perCell; ++i) {
-            unsigned char* const known = point(column, row, i, j);
             const float depth = shadowDepth(column, row, partOf(i), partOf(j), lampPlace);
-            known[Shadow] = byteOf((depth - lowestShadow) / shadowRange);
-            known[Left] = 255;
+            depths[placeOf(column, row, i, j)] = byteOf((depth - lowestShadow) / shadowRange);
+            point(column, row, i, j)[Left] = 255;
+        }
+    }
+}
+
+/// Whether a cell's face goes on in a neighbour's without a step.
+bool ShadeField::runsOn(int column, int row, int aside, int along) const
+{
+    const int nextColumn = column + aside;
+    const int next = row + along;
+    if (nextColumn < -1 || nextColumn > columns || next < -1 || next > rows)
+        return false;
+    const CornerHeights& a = cell(column, row).top;
+    const CornerHeights& b = cell(nextColumn, next).top;
+    const float u = 0.5f * float(aside + 1);
+    const float v = 0.5f * float(along + 1);
+    return std::abs(a.at(u, v) - b.at(u - float(aside), v - float(along))) < visibleTopMove;
+}
+
+void ShadeField::smoothRow(int row)
+{
+    unsmoothedRows[std::size_t(row + 1)] = false;
+    for (int column = -1; column <= columns; ++column)
+        smoothCell(column, row);
+}
+
+/// The sides of a shadow are as sharp as a point is wide, and would be seen as a saw: a point is
+/// mixed with those round it, also beyond the cell's border where the wood runs on.
+void ShadeField::smoothCell(int column, int row)
+{
+    // The cell's points, and a line more on every side.
+    unsigned char known[mostPoints + 2][mostPoints + 2];
+    const int last = perCell - 1;
+    const auto copyLine = [&](int line, int fromRow, int j, bool fromLeft, bool fromRight) {
+        // Neighbours share the border's points, so that the next one is their second.
+        const unsigned char* const own = &depths[placeOf(column, fromRow, 0, j)];
+        known[line][0] = fromLeft ? own[-2] : own[0];
+        std::copy(own, own + perCell, &known[line][1]);
+        known[line][perCell + 1] = fromRight ? own[perCell + 1] : own[last];
+    };
+    const bool left = runsOn(column, row, -1, 0);
+    const bool right = runsOn(column, row, 1, 0);
+    for (int j = 0; j < perCell; ++j)
+        copyLine(j + 1, row, j, left, right);
+    if (runsOn(column, row, 0, -1))
+        copyLine(0, row - 1, last - 1, runsOn(column, row - 1, -1, 0),
+                 runsOn(column, row - 1, 1, 0));
+    else
+        copyLine(0, row, 0, left, right);
+    if (runsOn(column, row, 0, 1))
+        copyLine(perCell + 1, row + 1, 1, runsOn(column, row + 1, -1, 0),
+                 runsOn(column, row + 1, 1, 0));
+    else
+        copyLine(perCell + 1, row, last, left, right);
+
+    for (int j = 0; j < perCell; ++j) {
+        unsigned char* smoothed = point(column, row, 0, j);
+        for (int i = 0; i < perCell; ++i, smoothed += channels) {
+            const auto across = [&](int line) {
+                return known[line][i] + 2 * known[line][i + 1] + known[line][i + 2];
+            };
+            const int sum = across(j) + 2 * across(j + 1) + across(j + 2);
+            smoothed[Shadow] = static_cast<unsigned char>((sum + 8) / 16);
         }
     }
 }

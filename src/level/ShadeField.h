@@ -68,6 +68,10 @@ private:
     void workOutRow(int row);
     void workOutOpenness(int column, int row);
     void workOutShadow(int column, int row);
+    void smoothRow(int row);
+    bool runsOn(int column, int row, int aside, int along) const;
+    void smoothCell(int column, int row);
+    std::size_t placeOf(int column, int row, int i, int j) const;
     void throwShadow(const Hovering& thing, int row);
     unsigned char* point(int column, int row, int i, int j);
 
@@ -78,6 +82,8 @@ private:
     std::vector<bool> staleOpenness;
     std::vector<Hovering> hovering;
     std::vector<unsigned char> bytes;
+    std::vector<unsigned char> depths;  // in the shadow, by point, before they are smoothed
+    std::vector<bool> unsmoothedRows;
     float highestTop = 0.0f;
     osg::Vec3f lampPlace;
     int staleRows;

@@ -2,12 +2,16 @@
 #include "level/Board.h"
 #include "support/DifferingPixels.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
 
 constexpr int elevatorHue = 180;
 constexpr int ghostHue = 225;
+constexpr int trapHue = 0;
+constexpr int trapdoorAtOnce = 70;
 constexpr int upByOne = 90;  // manual, one unit
 constexpr int opaqueSilent = 100;
 constexpr int towerValue = 100;
@@ -18,15 +22,21 @@ constexpr double floorTop = 0.5;
 class LampTest : public BlockTest
 {
 protected:
-    /// Brightness of the frame round a point of the board, 0 to 255.
-    double brightness(const QImage& picture, const osg::Vec3d& onBoard) const
+    /// Brightness of the frame round a point of the world, 0 to 255.
+    double brightnessAt(const QImage& picture, const osg::Vec3d& place) const
     {
-        const QImage spot = cutout(picture, pixelOf(onBoard * boardPose()), 2);
+        const QImage spot = cutout(picture, pixelOf(place), 2);
         double sum = 0.0;
         for (int y = 0; y < spot.height(); ++y)
             for (int x = 0; x < spot.width(); ++x)
                 sum += qGray(spot.pixel(x, y));
         return sum / (spot.width() * spot.height());
+    }
+
+    /// The same round a point of the board.
+    double brightness(const QImage& picture, const osg::Vec3d& onBoard) const
+    {
+        return brightnessAt(picture, onBoard * boardPose());
     }
 
     /// The mean over a way on the board, in which the grain does not count.
@@ -111,6 +121,20 @@ TEST_F(LampTest, LetsAGhostTakeItsShadowAlong)
     EXPECT_NEAR(brightness(there, before), brightness(gone, before), 3.0);
 }
 
+TEST_F(LampTest, LetsATrapdoorTakeItsShadowAlongAndBringItBack)
+{
+    loadsAround({trapHue, trapdoorAtOnce, towerValue});
+    frame();
+    const double shut = brightness(frame(), behind);
+    touches(*blockAt(4, 4));
+    frame();
+    const double open = brightness(frame(), behind);
+    EXPECT_LT(shut, 0.8 * open);
+    blockAt(4, 4)->reset();
+    frame();
+    EXPECT_NEAR(brightness(frame(), behind), shut, 2.0);
+}
+
 TEST_F(LampTest, TurnsTheShadowsWithTheBoard)
 {
     // Where the shadow of a tower ends only once the lamp sinks towards the board.
@@ -133,6 +157,66 @@ TEST_F(LampTest, TurnsTheShadowsWithTheBoard)
     const auto [levelShaded, tiltedShaded] = levelAndTilted(cells::tower);
     EXPECT_GT(levelShaded, 0.97 * levelBare);
     EXPECT_LT(tiltedShaded, 0.8 * tiltedBare);
+}
+
+/// The ground ten units under a board of nine by nine cells, from the first camera.
+class GroundLightTest : public LampTest
+{
+protected:
+    GroundLightTest()
+    {
+        loads(LevelPicture(9, 9, cells::floor).set(4, 4, cells::start));
+        frame();
+        seen = frame();
+    }
+
+    osg::Vec3d onGround(double x, double y) const { return {x, y, -9.95}; }
+
+    QImage seen;
+};
+
+TEST_F(GroundLightTest, HasTheBoardsShadowAwayFromTheLamp)
+{
+    // Beside the board as the camera sees it, to the left and as far to the right.
+    for (const double y : {0.0, 2.5, 5.0})
+        EXPECT_LT(brightnessAt(seen, onGround(-8.0, y)),
+                  0.65 * brightnessAt(seen, onGround(8.0, y)))
+            << y;
+}
+
+TEST_F(GroundLightTest, MovesTheBoardsShadowWithTheBoard)
+{
+    // The left side goes down: further under the lamp, the board hides less of it from here.
+    const osg::Vec3d place = onGround(-11.0, 5.0);
+    const double level = brightnessAt(seen, place);
+    holds(Qt::Key_Left, 40);
+    ASSERT_GT(tiltDegrees(), 20.0);
+    EXPECT_GT(std::abs(brightnessAt(frame(), place) - level), 8.0);
+}
+
+TEST_F(GroundLightTest, HasAGrain)
+{
+    double darkest = 255.0;
+    double palest = 0.0;
+    // Across the grain, where no shadow falls.
+    for (double y = -3.0; y < 5.0; y += 0.2) {
+        const double there = brightnessAt(seen, onGround(9.0, y));
+        darkest = std::min(darkest, there);
+        palest = std::max(palest, there);
+    }
+    EXPECT_GT(palest, darkest + 5.0);
+    EXPECT_LT(palest, 2.0 * darkest);
+}
+
+TEST_F(GroundLightTest, FadesIntoTheSkyAtItsEdge)
+{
+    const auto blue = [&](double x) {
+        return qBlue(seen.pixel(pixelOf(onGround(x, 0.0))));
+    };
+    EXPECT_LT(blue(12.0), 90);
+    EXPECT_NEAR(blue(15.2), 153, 2);
+    for (double x = 12.0; x < 15.2; x += 0.1)
+        EXPECT_LT(std::abs(blue(x + 0.1) - blue(x)), 20) << x;
 }
 
 TEST_F(LampTest, KeepsTheGrainStillUnderAStillBall)

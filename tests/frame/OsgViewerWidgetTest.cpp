@@ -117,6 +117,16 @@ protected:
     Listener second;
 };
 
+TEST(SoftwareRenderer, IsToldByTheNameOfTheDriver)
+{
+    EXPECT_TRUE(isSoftwareRenderer("llvmpipe (LLVM 15.0.6, 256 bits)"));
+    EXPECT_TRUE(isSoftwareRenderer("softpipe"));
+    EXPECT_TRUE(isSoftwareRenderer("Software Rasterizer"));
+    EXPECT_FALSE(isSoftwareRenderer("AMD Radeon RX 580 Series (polaris10, LLVM 15.0.6)"));
+    EXPECT_FALSE(isSoftwareRenderer("Mesa Intel(R) UHD Graphics 620 (KBL GT2)"));
+    EXPECT_FALSE(isSoftwareRenderer(nullptr));
+}
+
 TEST_F(OsgViewerWidgetTest, LeavesEventsUnacceptedWithoutListenersButFeedsTheViewer)
 {
     queued();

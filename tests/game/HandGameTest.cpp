@@ -27,7 +27,6 @@ constexpr int framesPerSecond = 200;  // of the fastest sensors
 constexpr std::int64_t microsecondsPerFrame = 5000;
 constexpr float cameraAngle = 3.1415927f;
 constexpr float cameraHeight = 30.0f;
-constexpr float titleHeight = 50.0f;
 const char* const menuTitle = "Menu";
 constexpr int mostLines = 4;
 
@@ -261,7 +260,7 @@ bool HandGameTest::reads(const std::string& text) const
 
 std::string HandGameTest::selectedLine() const
 {
-    for (const std::string& line : textsBelow(game.getSceneData(), titleHeight))
+    for (const std::string& line : largestTextsBelow(game.getSceneData()))
         if (line != menuTitle)
             return line;
     return std::string();

@@ -42,6 +42,15 @@ public:
         return result;
     }
 
+    std::vector<osg::BoundingBox> extents()
+    {
+        std::vector<osg::BoundingBox> result;
+        for (const auto& child : children)
+            if (const osgText::Text* text = textOf(*child))
+                result.push_back(text->getBoundingBox());
+        return result;
+    }
+
     osg::Group* group_() { return group.get(); }
 };
 
@@ -158,6 +167,41 @@ TEST_F(MenuHUDTest, ShowsTheTitleAndTheLinesWithTheSelectedOneLarge)
         EXPECT_EQ(lines[i + 1].position.x(), 400.0f);
         EXPECT_EQ(lines[i + 1].position.y(), float(int(windowHeight * (0.6f - float(i) * 0.1f))));
     }
+}
+
+TEST_F(MenuHUDTest, ShrinksAllLinesByOneFactorInAWindowThatIsTooNarrow)
+{
+    MenuItemAction wide([] {}, "Restart the level", &folder);
+    folder.addItem(&wide);
+    menu->show();
+    for (int width : {480, 320, 240}) {
+        SCOPED_TRACE(width);
+        menu->resize(width, windowHeight);
+        const float large = menu->lines()[0].size;
+        for (int selected = 0; selected < 4; ++selected) {
+            for (const osg::BoundingBox& extent : menu->extents()) {
+                EXPECT_GT(extent.xMin(), 0.0f);
+                EXPECT_LT(extent.xMax(), float(width));
+            }
+            const auto lines = menu->lines();
+            EXPECT_EQ(lines[0].size, large) << "the title stays as it is";
+            for (int line = 0; line < 4; ++line)
+                EXPECT_NEAR(lines[line + 1].size, (line == selected ? 1.0f : 0.8f) * large, 1.0f);
+            presses(Qt::Key_Down);
+        }
+    }
+    EXPECT_LT(menu->lines()[0].size, 30.0f);
+    menu->resize(windowWidth, windowHeight);
+    EXPECT_EQ(menu->lines()[1].size, 50.0f);
+}
+
+TEST_F(MenuHUDTest, KeepsItsLinesApartInALowWindow)
+{
+    menu->show();
+    menu->resize(windowWidth, 250);
+    const auto extents = menu->extents();
+    for (std::size_t line = 2; line < extents.size(); ++line)
+        EXPECT_GT(extents[line - 1].yMin() + 4.0f, extents[line].yMax()) << line;
 }
 
 TEST_F(MenuHUDTest, MovesTheSelectionRoundAtBothEnds)

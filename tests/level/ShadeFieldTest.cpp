@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 namespace {
@@ -111,6 +113,23 @@ TEST_F(ShadeFieldTest, TakesTheShadowAlongWithWhatThrewIt)
     EXPECT_EQ(depth(2, 2, 1.0f), ShadeField::lowestShadow);
     field.setTop(3, 2, flat(wallHeight));
     EXPECT_EQ(pointsUnder(lamp), before);
+}
+
+TEST_F(ShadeFieldTest, SoftensTheSidesOfAShadow)
+{
+    // Along the row: at its sides the shadow is over from one point to the next.
+    const osg::Vec3f low(-20.0f, 0.0f, 12.0f);
+    pointsUnder(low);
+    ASSERT_GT(field.shadowDepth(4, 2, 0.5f, 0.9f, low), 0.5f);
+    ASSERT_EQ(field.shadowDepth(4, 3, 0.5f, 0.1f, low), ShadeField::lowestShadow);
+    int steepest = 0;
+    for (int j = 1; j < field.pointsOfCell(); ++j) {
+        for (int row = 1; row <= 3; ++row)
+            steepest =
+                std::max(steepest, std::abs(point(4, row, 1, j)[0] - point(4, row, 1, j - 1)[0]));
+    }
+    EXPECT_GT(steepest, 10);
+    EXPECT_LT(steepest, 80);
 }
 
 TEST_F(ShadeFieldTest, DarkensTheFloorBehindAThingThatHovers)

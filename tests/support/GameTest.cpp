@@ -134,10 +134,9 @@ void GameTest::holds(Qt::Key key, int tickCount)
 
 bool GameTest::picks(const std::string& line)
 {
-    constexpr float selectedLineSize = 50.0f;
     constexpr int mostLines = 10;
     for (int i = 0; i < mostLines; ++i) {
-        const std::vector<std::string> large = textsBelow(game.getSceneData(), selectedLineSize);
+        const std::vector<std::string> large = largestTextsBelow(game.getSceneData());
         if (std::find(large.begin(), large.end(), line) != large.end()) {
             releases(Qt::Key_Return);
             return true;

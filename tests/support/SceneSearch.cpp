@@ -6,6 +6,7 @@
 #include <osg/Texture2D>
 #include <osgText/Text>
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -58,6 +59,15 @@ std::vector<std::string> textsBelow(osg::Node* node, float smallest)
             texts.push_back(text.getText().createUTF8EncodedString());
     });
     return texts;
+}
+
+std::vector<std::string> largestTextsBelow(osg::Node* node)
+{
+    float largest = 0.0f;
+    forEachText(node, [&](const osgText::Text& text) {
+        largest = std::max(largest, text.getCharacterHeight());
+    });
+    return textsBelow(node, largest);
 }
 
 const osgText::Text* textReading(const std::string& text, osg::Node* node)

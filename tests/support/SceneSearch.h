@@ -15,6 +15,9 @@ class Text;
 
 /// The lines of text of at least this size, in the order of the tree.
 std::vector<std::string> textsBelow(osg::Node* node, float smallest = 0.0f);
+/// The largest lines of text, in the order of the tree: with a menu up, its title and the line that
+/// is selected.
+std::vector<std::string> largestTextsBelow(osg::Node* node);
 /// The first line of text that reads so; null if there is none.
 const osgText::Text* textReading(const std::string& text, osg::Node* node);
 /// The file names of the textures' images, in the order of the tree.

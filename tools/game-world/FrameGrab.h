@@ -9,8 +9,12 @@
 class FrameGrab
 {
 public:
+    /// Of the samples of a pixel: the first, which is exact, or the mean of all, as the window
+    /// shows it.
+    enum class Samples { First, All };
+
     /// Takes the camera's final draw callback.
-    explicit FrameGrab(osg::Camera* camera);
+    explicit FrameGrab(osg::Camera* camera, Samples samples = Samples::First);
     ~FrameGrab();
 
     FrameGrab(const FrameGrab&) = delete;

@@ -104,7 +104,7 @@ QImage photograph(const QDir& home, const QImage& level, const Wish& wish)
     if (!wish.size.empty())
         world.widget->resize(wish.size[0], wish.size[1]);
     aim(*world.game, wish);
-    const FrameGrab grab(world.game->getCamera());
+    const FrameGrab grab(world.game->getCamera(), FrameGrab::Samples::All);
     play(wish.ticks);
     return middleOf(grab.image(), wish.crop);
 }
