@@ -18,6 +18,11 @@ if(ROLLIX_SANITIZER)
         target_compile_options(rollix_flags INTERFACE
             -fno-sanitize=vptr -fno-sanitize-recover=undefined)
     endif()
+    if(ROLLIX_SANITIZER MATCHES "address")
+        # Into each program itself: an archive's member is taken in only where a symbol is missing.
+        target_sources(rollix_flags INTERFACE
+            "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${CMAKE_CURRENT_LIST_DIR}/LeakChecks.cpp>")
+    endif()
 endif()
 if(ROLLIX_COVERAGE)
     target_compile_options(rollix_flags INTERFACE --coverage)

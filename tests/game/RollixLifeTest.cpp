@@ -23,6 +23,8 @@ class WipedGame : public Rollix
 public:
     using Rollix::Rollix;
 
+    // Not inlined: the compiler would see the usual one and miss its delete.
+    [[gnu::noinline]] static void* operator new(std::size_t size) { return ::operator new(size); }
     static void operator delete(void* memory, std::size_t size)
     {
         std::memset(memory, 0, size);
