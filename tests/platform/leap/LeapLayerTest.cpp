@@ -175,7 +175,8 @@ TEST(LeapLayer, GivesTheFocusBackWithTheWindows)
     SensorService service;
     Game game;
     ASSERT_TRUE(service.hasClient());
-    ASSERT_TRUE(hasGesturesOn(service));  // which is the last thing that the game asks for by itself
+    ASSERT_TRUE(
+        hasGesturesOn(service));  // which is the last thing that the game asks for by itself
     emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
     ASSERT_TRUE(game.eventually(
         [&] { return service.received().last() == QLatin1String("{\"focused\":false}"); }));
