@@ -16,7 +16,7 @@ testPackages=(
     appstream clang-format-14 cppcheck desktop-file-utils git imagemagick libbenchmark-dev
     libgtest-dev man-db python3 python3-pil xauth xdotool xvfb
 )
-longTestPackages=(clang clang-tidy)
+longTestPackages=(clang clang-tidy libclang-rt-14-dev)
 packagePackages=(dpkg-dev git gzip lintian)
 soakPackages=(gcovr python3-venv)
 

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -51,6 +52,14 @@ void requireSane(const Leap::FrameData& frame)
     }
 }
 
+/// How many messages there were, told at the end: an input has as many as it likes.
+struct Count
+{
+    ~Count() { std::printf("%llu messages\n", messages); }
+    unsigned long long messages = 0;
+};
+Count count;
+
 }  // namespace
 
 /// Every line is one message of the service, after a greeting of either generation.
@@ -67,6 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         for (std::size_t at = 0; at < text.size();) {
             const std::string_view line = text.substr(at, text.find('\n', at) - at);
             at += line.size() + 1;
+            ++count.messages;
             const double begin = processorSeconds();
             const Leap::Message message = Leap::parseMessage(line);
             require(processorSeconds() - begin <= longestParsing);
