@@ -102,6 +102,7 @@ TEST_F(HandServiceTest, IsHeardByAGameThatWasThereBefore)
     LeapManager::setListener(&game);
     service.stops();
     ASSERT_TRUE(holdsWithin(generousLimit, [&] { return service.clientCount() == 0; }));
+    game.messageText->hide();
     ticks(5);
     EXPECT_EQ(game.state, GameState::WaitingForRest);
     EXPECT_FALSE(game.messageText->isVisible()) << "no frame, no prompt";
