@@ -7,5 +7,5 @@
 inline int random15()
 {
     static_assert(RAND_MAX == 0x7fffffff, "rand() is expected to give 31 bits");
-    return std::rand() >> 16;
+    return std::rand() >> 16;  // NOLINT(concurrency-mt-unsafe): the C library here locks it
 }

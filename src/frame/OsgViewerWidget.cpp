@@ -44,8 +44,7 @@ bool isSoftwareRenderer(const char* name)
     return false;
 }
 
-OsgViewerWidget::OsgViewerWidget()
-    : osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false), osgViewer::CompositeViewer()
+OsgViewerWidget::OsgViewerWidget() : osgQt::GLWidget(nullptr, nullptr, Qt::WindowFlags(), false)
 {
     setWindowTitle("Rollix");
     setThreadingModel(osgViewer::ViewerBase::SingleThreaded);

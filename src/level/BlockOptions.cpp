@@ -97,8 +97,10 @@ TrapOption TrapOption::ofSaturation(int saturation)
         return {TrapKind::Trapdoor, double(steps(saturation - 70))};
     if (saturation >= 59)
         return {TrapKind::None, 0.0};
-    if (saturation >= 49)
-        return {TrapKind::Well, double(pixelStep(saturation - 50) / 2 + 3)};
+    if (saturation >= 49) {
+        const int strength = pixelStep(saturation - 50) / 2 + 3;
+        return {TrapKind::Well, double(strength)};
+    }
     return {TrapKind::Mine, 0.0};
 }
 

@@ -66,6 +66,6 @@ BlockShape BlockShape::ofValue(int value)
     if (value < band->firstRampValue)
         return {true, base, base, flatSlope};
     const int step = value - band->firstRampValue;
-    const float high = float(band->baseLevel + step / 4 + 1) * levelHeight;
-    return {true, base, high, step % 4};
+    const int highLevel = band->baseLevel + step / 4 + 1;
+    return {true, base, float(highLevel) * levelHeight, step % 4};
 }

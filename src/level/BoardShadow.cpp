@@ -44,6 +44,11 @@ float mixed(float from, float to, float part)
     return from + (to - from) * part;
 }
 
+std::size_t indexOf(int column, int row, int width)
+{
+    return std::size_t(row) * std::size_t(width) + std::size_t(column);
+}
+
 }  // namespace
 
 BoardShadow::Cover::Cover(const Relief& relief)
@@ -53,7 +58,7 @@ BoardShadow::Cover::Cover(const Relief& relief)
 {
     for (int row = 0; row < relief.rowCount(); ++row) {
         for (int column = 0; column < relief.columnCount(); ++column)
-            points[std::size_t((row + margin) * width + column + margin)] =
+            points[indexOf(column + margin, row + margin, width)] =
                 relief.at(column, row).filled ? 1.0f : 0.0f;
     }
     for (int i = 0; i < blurs; ++i) {
@@ -77,7 +82,7 @@ float BoardShadow::Cover::at(float x, float y) const
     const float column = std::clamp(x + 0.5f * float(width) - 0.5f, 0.0f, float(width) - 1.001f);
     const float row = std::clamp(y + 0.5f * float(height) - 0.5f, 0.0f, float(height) - 1.001f);
     const float u = column - std::floor(column);
-    const float* corner = &points[std::size_t(int(row) * width + int(column))];
+    const float* corner = &points[indexOf(int(column), int(row), width)];
     return mixed(mixed(corner[0], corner[1], u), mixed(corner[width], corner[width + 1], u),
                  row - std::floor(row));
 }
@@ -121,19 +126,19 @@ void BoardShadow::layShadow(const osg::Matrixd& worldToBoard)
 {
     const osg::Vec3f lamp = osg::Vec3d(Rollix::lightPosition) * worldToBoard;
     constexpr int step = (points - 1) / (shadowPoints - 2);
-    std::vector<float> light(std::size_t(shadowPoints * shadowPoints));
+    std::vector<float> light(indexOf(0, shadowPoints, shadowPoints));
     for (int j = 0; j < shadowPoints; ++j) {
         for (int i = 0; i < shadowPoints; ++i) {
             const osg::Vec3f place =
                 osg::Vec3d(placeOf(i * step), placeOf(j * step), groundTop) * worldToBoard;
             const float part = lamp.z() / (lamp.z() - place.z());
             const osg::Vec3f through = lamp + (place - lamp) * part;
-            light[std::size_t(j * shadowPoints + i)] =
+            light[indexOf(i, j, shadowPoints)] =
                 1.0f - shadowStrength * cover.at(through.x(), through.y());
         }
     }
     for (int y = 0; y < points; ++y) {
-        const float* const row = &light[std::size_t(y / step * shadowPoints)];
+        const float* const row = &light[indexOf(0, y / step, shadowPoints)];
         const float v = float(y % step) / float(step);
         unsigned char* texel = picture->data(0, unsigned(y));
         for (int x = 0; x < points; ++x, texel += 4) {
@@ -141,8 +146,8 @@ void BoardShadow::layShadow(const osg::Matrixd& worldToBoard)
             const float u = float(x % step) / float(step);
             const float own = mixed(mixed(corner[0], corner[1], u),
                                     mixed(corner[shadowPoints], corner[shadowPoints + 1], u), v) *
-                              lit[std::size_t(y * points + x)];
-            const float* const sky = &faded[std::size_t((y * points + x) * 3)];
+                              lit[indexOf(x, y, points)];
+            const float* const sky = &faded[3 * indexOf(x, y, points)];
             for (int channel = 0; channel < 3; ++channel)
                 texel[channel] = static_cast<unsigned char>(own + sky[channel] + 0.5f);
             texel[3] = 255;

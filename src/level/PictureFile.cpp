@@ -34,7 +34,7 @@ std::string refusalOf(const std::string& file, const QSize& size)
 
 std::string refusalOf(const std::string& file, const QImage& picture)
 {
-    const std::string ofSize = refusalOf(file, picture.size());
+    std::string ofSize = refusalOf(file, picture.size());
     if (!ofSize.empty())
         return ofSize;
     const int bodies = bodiesOf(picture);

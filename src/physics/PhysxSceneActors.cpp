@@ -50,7 +50,7 @@ bool spanASolid(const std::vector<PxVec3>& points)
     for (const PxVec3& point : points)
         if (!point.isFinite())
             return false;
-    const PxVec3 origin = points.front();
+    const PxVec3& origin = points.front();
     const auto distance = [&](const PxVec3& p) {
         return (p - origin).magnitude();
     };

@@ -166,6 +166,7 @@ std::vector<bool> LevelWays::reachedFrom(const CellPosition& from,
 {
     const Flood steps = flood(from);
     std::vector<bool> reached;
+    reached.reserve(cells.size());
     for (const CellPosition& cell : cells)
         reached.push_back(has(steps, cell));
     return reached;

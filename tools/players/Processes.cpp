@@ -87,6 +87,7 @@ std::vector<std::string> inProcesses(std::size_t count, int atATime,
             if (!start(started++, work, children))
                 ++done;
         std::vector<pollfd> waiting;
+        waiting.reserve(children.size());
         for (const Child& child : children)
             waiting.push_back({child.output, POLLIN, 0});
         if (waiting.empty())

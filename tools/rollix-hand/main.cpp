@@ -59,6 +59,7 @@ int savePicture(HandWindow& window, const QString& file)
 }  // namespace
 
 // Plays a hand sensor for the game, by mouse or gamepad, and brings the game up beside it.
+// NOLINTNEXTLINE(bugprone-exception-escape): options that were put together wrongly may end it
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);

@@ -34,7 +34,7 @@ int refuse(const std::string& reason)
 /// Beside this program in a build, in the games' place when it is installed.
 QString gameProgram()
 {
-    const QString beside = QCoreApplication::applicationDirPath() + "/rollix";
+    QString beside = QCoreApplication::applicationDirPath() + "/rollix";
     if (QFileInfo(beside).isExecutable())
         return beside;
     const QString onPath = QStandardPaths::findExecutable("rollix");

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 // For the authors of levels: one subcommand a wish, each in a source of its own.
+// NOLINTNEXTLINE(bugprone-exception-escape): options that were put together wrongly may end it
 int main(int argc, char** argv)
 {
     CLI::App program("Helps to paint levels for Rollix. 'rollix-level COMMAND --help' tells more.");

@@ -124,7 +124,8 @@ std::shared_ptr<Playback> Mixer::play(std::shared_ptr<Sample> sample)
     if (playbacks.size() == voices.size())
         stealQuietest();
     const int index = freeChannel();
-    playbacks.push_back(std::make_shared<Playback>(*voices[std::size_t(index)], index, sample));
+    playbacks.push_back(
+        std::make_shared<Playback>(*voices[std::size_t(index)], index, std::move(sample)));
     return playbacks.back();
 }
 

@@ -32,6 +32,7 @@ void silenceAlsa()
 // OpenAL reads the level at the first call into it. Somebody who set it wants to hear. The
 // environment moves when it grows, under the eyes of any thread that reads it: this is done before
 // there are any.
+// NOLINTNEXTLINE(concurrency-mt-unsafe): before there are any threads
 [[maybe_unused]] const int openAlSilenced = setenv("ALSOFT_LOGLEVEL", "0", 0);
 
 ALCdevice* openDefaultDevice(std::vector<ALCint>&)

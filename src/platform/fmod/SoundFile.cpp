@@ -10,7 +10,7 @@
 namespace {
 
 // 64 MB of decoded sound, three minutes at 44.1 kHz: far over a hit, far under a machine's memory.
-constexpr std::size_t maxFrames = 8u * 1024 * 1024;
+constexpr std::size_t maxFrames = 8 * std::size_t(1024) * 1024;
 constexpr int maxChannels = 64;
 constexpr sf_count_t framesAtOnce = 4096;
 
