@@ -1,5 +1,7 @@
 #include "platform/FmodLayerFixture.h"
 
+#include <sys/resource.h>
+
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -160,6 +162,17 @@ TEST_F(FmodLayerHeard, TellsWhyAFileIsNoSound)
     EXPECT_EQ(create(file("text.mp3", "This is not a sound, whatever it is called.\n")),
               FMOD_ERR_FORMAT);
     EXPECT_EQ(create(wave("nothing.wav", {0.0f}, 0)), FMOD_ERR_FILE_EOF);
+}
+
+TEST_F(FmodLayerHeard, TellsASoundThatTheSystemDoesNotOpenFromNoSound)
+{
+    rlimit usual = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit noMore = {0, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &noMore), 0);
+    EXPECT_EQ(create(hit), FMOD_ERR_FILE_BAD);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+    EXPECT_EQ(create(hit), FMOD_OK);
 }
 
 TEST_F(FmodLayerHeard, RefusesASoundOfMoreThanSomeMinutes)

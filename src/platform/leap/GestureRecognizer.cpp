@@ -79,7 +79,7 @@ void GestureRecognizer::follow(Finger& finger, const HandData& hand, const Point
             finger.circleId = nextId++;
         report(finger, *circle, frame);
     }
-    if (wasCircling || finger.circle.isRunning()) {
+    if (finger.circle.isRunning()) {
         finger.tap.forgetMovement();
     } else if (finger.tap.follow(sample)) {
         GestureData tap;
