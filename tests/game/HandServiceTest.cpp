@@ -2,7 +2,6 @@
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "hand/LeapManager.h"
-#include "hud/TextHUD.h"
 #include "level/Board.h"
 #include "level/Level.h"
 #include "support/OutputCapture.h"
@@ -102,10 +101,8 @@ TEST_F(HandServiceTest, IsHeardByAGameThatWasThereBefore)
     LeapManager::setListener(&game);
     service.stops();
     ASSERT_TRUE(holdsWithin(generousLimit, [&] { return service.clientCount() == 0; }));
-    game.messageText->hide();
     ticks(5);
     EXPECT_EQ(game.state, GameState::WaitingForRest);
-    EXPECT_FALSE(game.messageText->isVisible()) << "no frame, no prompt";
     service.shows({flatHand()});
     service.streams();
     std::string said;

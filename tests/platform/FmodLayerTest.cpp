@@ -1,10 +1,9 @@
 #include "platform/FmodLayerFixture.h"
 
-#include <sys/resource.h>
-
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <sys/resource.h>
 
 using namespace fmodlayer;
 
