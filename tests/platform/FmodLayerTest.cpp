@@ -163,6 +163,22 @@ TEST_F(FmodLayerHeard, TellsWhyAFileIsNoSound)
     EXPECT_EQ(create(wave("nothing.wav", {0.0f}, 0)), FMOD_ERR_FILE_EOF);
 }
 
+TEST_F(FmodLayerHeard, RefusesAHeaderWithoutRateOrChannels)
+{
+    std::ifstream stream(wave("sound.wav", {0.25f}, 4410), std::ios::binary);
+    const std::string whole((std::istreambuf_iterator<char>(stream)), {});
+    struct Field
+    {
+        std::size_t place;
+        std::size_t size;
+    };
+    for (const Field& field : {Field{22, 2}, Field{24, 4}}) {
+        std::string without = whole;
+        without.replace(field.place, field.size, field.size, '\0');
+        EXPECT_EQ(create(file("without.wav", without)), FMOD_ERR_FORMAT) << field.place;
+    }
+}
+
 TEST_F(FmodLayerHeard, TellsASoundThatTheSystemDoesNotOpenFromNoSound)
 {
     rlimit usual = {};

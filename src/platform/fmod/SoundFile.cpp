@@ -61,7 +61,7 @@ FMOD_RESULT SoundFile::read(const char* path)
     const std::unique_ptr<SNDFILE, CloseFile> file(sf_open(path, SFM_READ, &info));
     if (!file)
         return sf_error(nullptr) == SF_ERR_SYSTEM ? FMOD_ERR_FILE_BAD : FMOD_ERR_FORMAT;
-    if (info.samplerate <= 0 || info.channels <= 0 || info.channels > maxChannels)
+    if (info.channels > maxChannels)
         return FMOD_ERR_FORMAT;
 
     // The header's count of frames is not to be trusted: the file may be cut short, or lie.
