@@ -396,6 +396,83 @@ TEST_F(OsgViewerWidgetTest, FeedsTheReleaseOfF11ToTheViewer)
     EXPECT_EQ(events.front()->getKey(), osgGA::GUIEventAdapter::KEY_F11);
 }
 
+TEST_F(OsgViewerWidgetTest, TellsTheViewerTheModifiersOfAKey)
+{
+    using Event = osgGA::GUIEventAdapter;
+    struct Row
+    {
+        Qt::KeyboardModifiers held;
+        int told;
+    };
+    for (const Row& row :
+         {Row{Qt::NoModifier, 0}, Row{Qt::ShiftModifier, Event::MODKEY_SHIFT},
+          Row{Qt::ControlModifier, Event::MODKEY_CTRL}, Row{Qt::AltModifier, Event::MODKEY_ALT},
+          Row{Qt::ShiftModifier | Qt::AltModifier, Event::MODKEY_SHIFT | Event::MODKEY_ALT}}) {
+        SCOPED_TRACE(row.told);
+        queued();
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_F2, row.held);
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_F2, row.held);
+        sends(press);
+        sends(release);
+        const auto events = queued();
+        ASSERT_EQ(events.size(), 2u);
+        for (const auto& event : events) {
+            EXPECT_EQ(event->getModKeyMask(), row.told);
+            EXPECT_EQ(event->getKey(), Event::KEY_F2);
+        }
+    }
+}
+
+TEST_F(OsgViewerWidgetTest, TellsTheViewerWhichButtonIsPressed)
+{
+    using Event = osgGA::GUIEventAdapter;
+    struct Row
+    {
+        Qt::MouseButton pressed;
+        int told;
+    };
+    for (const Row& row : {Row{Qt::LeftButton, Event::LEFT_MOUSE_BUTTON},
+                           Row{Qt::MiddleButton, Event::MIDDLE_MOUSE_BUTTON},
+                           Row{Qt::RightButton, Event::RIGHT_MOUSE_BUTTON}}) {
+        SCOPED_TRACE(row.told);
+        queued();
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(10, 20), row.pressed, row.pressed,
+                          Qt::NoModifier);
+        QMouseEvent release(QEvent::MouseButtonRelease, QPointF(10, 20), row.pressed, Qt::NoButton,
+                            Qt::NoModifier);
+        sends(press);
+        sends(release);
+        const auto events = queued();
+        ASSERT_EQ(events.size(), 2u);
+        EXPECT_EQ(events[0]->getEventType(), Event::PUSH);
+        EXPECT_EQ(events[1]->getEventType(), Event::RELEASE);
+        for (const auto& event : events)
+            EXPECT_EQ(event->getButton(), row.told);
+    }
+}
+
+TEST_F(OsgViewerWidgetTest, TellsTheViewerTheWheelsFourWays)
+{
+    using Event = osgGA::GUIEventAdapter;
+    struct Row
+    {
+        QPoint turned;
+        Event::ScrollingMotion told;
+    };
+    for (const Row& row :
+         {Row{{0, 120}, Event::SCROLL_UP}, Row{{0, -120}, Event::SCROLL_DOWN},
+          Row{{120, 0}, Event::SCROLL_LEFT}, Row{{-120, 0}, Event::SCROLL_RIGHT}}) {
+        SCOPED_TRACE(row.told);
+        queued();
+        QWheelEvent wheel(QPointF(10, 20), QPointF(10, 20), QPoint(), row.turned, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        sends(wheel);
+        const auto events = queued();
+        ASSERT_EQ(events.size(), 1u);
+        EXPECT_EQ(events[0]->getScrollingMotion(), row.told);
+    }
+}
+
 TEST_F(OsgViewerWidgetTest, StaysOpenAtEscape)
 {
     const osg::ref_ptr<osgViewer::View> view = addsView();
