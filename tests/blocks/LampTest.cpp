@@ -184,6 +184,16 @@ TEST_F(GroundLightTest, HasTheBoardsShadowAwayFromTheLamp)
     }
 }
 
+TEST_F(GroundLightTest, HasAShadowWithASoftEdge)
+{
+    // In front of the board, where the shadow ends to the right.
+    const double lit = brightnessAt(seen, onGround(8.0, 0.0));
+    EXPECT_NEAR(brightnessAt(seen, onGround(-1.0, 0.0)) / lit, 0.45, 0.07);
+    EXPECT_NEAR(brightnessAt(seen, onGround(2.0, 0.0)) / lit, 0.64, 0.07);
+    EXPECT_NEAR(brightnessAt(seen, onGround(3.0, 0.0)) / lit, 0.74, 0.07);
+    EXPECT_NEAR(brightnessAt(seen, onGround(5.0, 0.0)) / lit, 0.95, 0.07);
+}
+
 TEST_F(GroundLightTest, MovesTheBoardsShadowWithTheBoard)
 {
     // The left side goes down: further under the lamp, the board hides less of it from here.

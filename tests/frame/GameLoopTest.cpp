@@ -4,6 +4,7 @@
 #include "game/GravlinApplication.h"
 #include "platform/osgqt/GraphicsWindowQt.h"
 #include "support/EventLoop.h"
+#include "support/SleepingThread.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
@@ -20,6 +21,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 // The linker sends the calls of FMOD::System::update here.
@@ -517,6 +519,29 @@ TEST_F(GameLoopTest, LocksTheWorldAsOftenAsOneThreadLikes)
     GameLoop::unlock();
     other.join();
     EXPECT_TRUE(entered);
+}
+
+TEST(GameLoopDeathTest, LetsTheOwnerOfTheWorldInAgainWhileAnotherThreadWaits)
+{
+    // In a process of its own, which the alarm ends if the two wait for each other.
+    const auto locksAgain = [] {
+        alarm(20);
+        std::atomic<int> waiting{0};
+        GameLoop::lock();
+        std::thread other([&] {
+            waiting = gettid();
+            const GameLoop::Lock worldLock;
+        });
+        while (waiting == 0 || !isAsleep(waiting))
+            std::this_thread::yield();
+        GameLoop::lock();
+        GameLoop::unlock();
+        GameLoop::unlock();
+        other.join();
+        std::_Exit(0);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(locksAgain(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(GameLoopTest, HoldsTheWorldAsLongAsAGuardLives)

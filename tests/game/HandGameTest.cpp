@@ -11,8 +11,7 @@
 #include "platform/leap/ServiceAddress.h"
 #include "support/GameInside.h"
 #include "support/SceneSearch.h"
-
-#include <QFile>
+#include "support/SleepingThread.h"
 
 #include <chrono>
 #include <cmath>
@@ -71,15 +70,6 @@ std::int64_t& lastFrameId()
 {
     static std::int64_t id = 1000000;
     return id;
-}
-
-bool isAsleep(int thread)
-{
-    QFile file(QString("/proc/self/task/%1/stat").arg(thread));
-    file.open(QIODevice::ReadOnly);
-    const QByteArray text = file.readAll();
-    // The state stands behind the name, which is in brackets.
-    return text.mid(text.lastIndexOf(')')).startsWith(") S");
 }
 
 }  // namespace
