@@ -544,6 +544,27 @@ TEST(GameLoopDeathTest, LetsTheOwnerOfTheWorldInAgainWhileAnotherThreadWaits)
     EXPECT_EXIT(locksAgain(), ::testing::ExitedWithCode(0), "");
 }
 
+TEST_F(GameLoopTest, LetsAThreadThatWaitsInBeforeTheOneThatComesBack)
+{
+    for (int i = 0; i < 20; ++i) {
+        std::atomic<int> waiting{0};
+        std::atomic<bool> entered{false};
+        GameLoop::lock();
+        std::thread other([&] {
+            waiting = gettid();
+            const GameLoop::Lock worldLock;
+            entered = true;
+        });
+        while (waiting == 0 || !isAsleep(waiting))
+            std::this_thread::yield();
+        GameLoop::unlock();
+        GameLoop::lock();
+        EXPECT_TRUE(entered);
+        GameLoop::unlock();
+        other.join();
+    }
+}
+
 TEST_F(GameLoopTest, HoldsTheWorldAsLongAsAGuardLives)
 {
     std::atomic<bool> entered{false};
