@@ -55,6 +55,31 @@ protected:
         QCoreApplication::processEvents();
     }
 
+    void taps(Qt::Key key)
+    {
+        presses(key);
+        releases(key);
+        plays(1000);
+    }
+
+    /// And what is said at either end of a level, and how few lives are left.
+    void showsAllMenus()
+    {
+        taps(Qt::Key_Escape);
+        taps(Qt::Key_Escape);
+        game.levelCompleted();
+        taps(Qt::Key_Return);
+        taps(Qt::Key_Return);
+        taps(Qt::Key_Up);  // which takes the message away
+        while (game.state != GameState::LevelFailed) {
+            level().changeLives(-1, true);
+            plays(1000);
+        }
+        taps(Qt::Key_Return);
+        taps(Qt::Key_Return);
+        taps(Qt::Key_Up);
+    }
+
     /// Texts go by and by, and what OpenGL holds of levels before is let go a little a frame.
     void settles()
     {
@@ -75,14 +100,15 @@ TEST_F(LevelChangesSoak, OverAllLevelsAndOddPicturesLeaveMemoryAndCountsAsTheyWe
     {
         OutputCapture output;  // as many levels are announced
         Progress progress("level changes", count);
-        // Shaders and letters stay for the whole run once they are drawn: all count as there
-        // before.
+        // Shaders, letters and menus stay for the whole run once they are drawn: all count as
+        // there before.
         for (unsigned number = 0; number < levels; ++number)
             changesTo(number);
         for (int odd = 0; odd < oddWays; ++odd) {
             bringsOddPicture(odd);
             changesTo(oddLevel);
         }
+        showsAllMenus();
         settles();
         before = Census::of(game, widget);
         for (int i = 0; i < count; ++i) {
