@@ -1,11 +1,11 @@
 #include "blocks/BlockItem.h"
 
-#include "BlockTest.h"
 #include "base/WorldNumbers.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
 #include "shaders/ShaderProgram.h"
+#include "support/BlockTest.h"
 #include "support/DifferingPixels.h"
 #include "support/MissingFile.h"
 #include "support/OutputCapture.h"

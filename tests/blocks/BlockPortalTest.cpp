@@ -1,6 +1,5 @@
 #include "blocks/BlockPortal.h"
 
-#include "BlockTest.h"
 #include "SparksOfBlock.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
@@ -9,6 +8,7 @@
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "support/BlockTest.h"
 
 #include <osgParticle/ParticleSystem>
 

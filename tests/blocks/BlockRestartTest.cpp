@@ -1,9 +1,9 @@
-#include "BlockTest.h"
 #include "blocks/BlockPortal.h"
 #include "frame/GameLoop.h"
 #include "game/Rollix.h"
 #include "level/Ball.h"
 #include "level/Level.h"
+#include "support/BlockTest.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 // The long delays of traps and items, on a clock that costs no time.
 
-#include "BlockTest.h"
 #include "ManualClock.h"
 #include "blocks/BlockItem.h"
 #include "blocks/BlockTrap.h"
@@ -10,6 +9,7 @@
 #include "hud/TextHUD.h"
 #include "level/Ball.h"
 #include "level/Level.h"
+#include "support/BlockTest.h"
 #include "support/DifferingPixels.h"
 #include "support/SceneSearch.h"
 

@@ -1,6 +1,5 @@
 #include "blocks/BlockTrap.h"
 
-#include "BlockTest.h"
 #include "SparksOfBlock.h"
 #include "base/WorldNumbers.h"
 #include "frame/GameLoop.h"
@@ -8,6 +7,7 @@
 #include "level/Ball.h"
 #include "level/Board.h"
 #include "level/Level.h"
+#include "support/BlockTest.h"
 #include "support/DifferingPixels.h"
 
 #include <osgParticle/ParticleSystem>

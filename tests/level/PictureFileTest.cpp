@@ -110,6 +110,19 @@ TEST_F(PictureFileTest, IsReadUpToThreeHundredTimesThreeHundredCells)
                   "cells at most. Make it smaller.");
 }
 
+TEST_F(PictureFileTest, IsLookedAtWithinItsEdges)
+{
+    // Qt complains of every pixel that is none.
+    static int complaints;
+    complaints = 0;
+    const auto usual = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString&) { ++complaints; });
+    const PictureFile file = reads(filled(3, 2, floorColor));
+    static_cast<void>(file.picture.pixel(3, 0));
+    qInstallMessageHandler(usual);
+    EXPECT_EQ(complaints, 1) << "of the one beyond the edge, here";
+}
+
 TEST_F(PictureFileTest, IsReadUpToItsMostBlocksWithABodyOfTheirOwn)
 {
     QImage picture = filled(300, 300, floorColor);

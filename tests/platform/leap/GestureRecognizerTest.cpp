@@ -156,6 +156,30 @@ TEST(GestureRecognizer, ReportsACircleFromThreeQuartersOfATurnToItsEnd)
     }
 }
 
+TEST(GestureRecognizer, TellsFromTheFirstReportHowFarTheCircleHasCome)
+{
+    constexpr double turnsPerSecond = 2.0;
+    for (const double radius : {25.0, 60.0}) {
+        for (const double begin : {0.0, 0.125, 0.25, 0.375}) {
+            SCOPED_TRACE(testing::Message() << radius << " mm from " << begin << " of a turn");
+            FingerTrack finger(200);
+            finger.noise = 0.0;
+            const auto turning = circle(radius, 10.0, true, turnsPerSecond);
+            const auto path = [&](double time) {
+                return turning(time + begin / turnsPerSecond);
+            };
+            std::vector<double> times;
+            finger.follow(
+                0.3, [&](double) { return path(0.0); });
+            const auto seen =
+                finger.follow(0.44, path, [&](double time, FrameData&) { times.push_back(time); });
+            ASSERT_FALSE(seen.empty());
+            const double turns = times[times.size() - seen.size()] * turnsPerSecond;
+            EXPECT_NEAR(seen.front().progress, turns, 0.003);
+        }
+    }
+}
+
 TEST(GestureRecognizer, FindsCirclesFromTheSmallestToTheLargest)
 {
     for (const double radius : {7.0, 15.0, 40.0, 80.0, 110.0}) {

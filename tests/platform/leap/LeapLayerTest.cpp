@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -284,6 +285,16 @@ TEST(LeapLayer, FindsAServiceThatComesLaterAndOneThatComesBack)
     ASSERT_TRUE(service.hasClient());
     service.sendsFrames();
     EXPECT_TRUE(game.eventually([&] { return game.player.frames == 1; }));
+}
+
+TEST(LeapLayer, GoesOnWhenTheThreadThatMadeItHasEnded)
+{
+    SensorService service;
+    std::unique_ptr<Game> game;
+    std::thread([&] { game = std::make_unique<Game>(); }).join();
+    ASSERT_TRUE(service.hasClient());
+    service.sendsFrames();
+    EXPECT_TRUE(game->eventually([&] { return game->player.frames == 1; }));
 }
 
 TEST(LeapLayer, GoesOnAfterEveryKindOfBrokenService)

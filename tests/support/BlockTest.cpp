@@ -1,4 +1,4 @@
-#include "BlockTest.h"
+#include "support/BlockTest.h"
 
 #include "game/Rollix.h"
 #include "hand/HandCamera.h"

@@ -1,5 +1,5 @@
-#include "BlockTest.h"
 #include "level/Board.h"
+#include "support/BlockTest.h"
 #include "support/DifferingPixels.h"
 
 #include <algorithm>
@@ -10,9 +10,11 @@ namespace {
 
 constexpr int elevatorHue = 180;
 constexpr int ghostHue = 225;
+constexpr int itemHue = 45;
 constexpr int trapHue = 0;
 constexpr int trapdoorAtOnce = 70;
 constexpr int upByOne = 90;  // manual, one unit
+constexpr int oneCoin = 48;
 constexpr int opaqueSilent = 100;
 constexpr int towerValue = 100;
 constexpr int floorValue = 73;
@@ -133,6 +135,20 @@ TEST_F(LampTest, LetsATrapdoorTakeItsShadowAlongAndBringItBack)
     blockAt(4, 4)->reset();
     frame();
     EXPECT_NEAR(brightness(frame(), behind), shut, 2.0);
+}
+
+TEST_F(LampTest, LaysACoinsShadowOnTheFloorUntilItIsTaken)
+{
+    loadsAround({itemHue, oneCoin, floorValue});
+    // Where the camera sees past the coin.
+    const osg::Vec3d shadow(0.1, 0.3, floorTop);
+    frame();
+    const QImage there = frame();
+    touches(*blockAt(4, 4));
+    frame();
+    const QImage taken = frame();
+    EXPECT_LT(brightness(there, shadow), 0.8 * brightness(taken, shadow));
+    EXPECT_NEAR(brightness(there, behind), brightness(taken, behind), 3.0);
 }
 
 TEST_F(LampTest, TurnsTheShadowsWithTheBoard)
