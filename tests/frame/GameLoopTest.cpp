@@ -521,19 +521,27 @@ TEST_F(GameLoopTest, LocksTheWorldAsOftenAsOneThreadLikes)
     EXPECT_TRUE(entered);
 }
 
+/// One that sleeps before a locked world, and does this once it is let in.
+std::thread threadWaitingForTheWorld(const std::function<void()>& task)
+{
+    std::atomic<int> waiting{0};
+    std::thread thread([&waiting, task] {
+        waiting = gettid();
+        const GameLoop::Lock worldLock;
+        task();
+    });
+    while (waiting == 0 || !isAsleep(waiting))
+        std::this_thread::yield();
+    return thread;
+}
+
 TEST(GameLoopDeathTest, LetsTheOwnerOfTheWorldInAgainWhileAnotherThreadWaits)
 {
     // In a process of its own, which the alarm ends if the two wait for each other.
     const auto locksAgain = [] {
         alarm(20);
-        std::atomic<int> waiting{0};
         GameLoop::lock();
-        std::thread other([&] {
-            waiting = gettid();
-            const GameLoop::Lock worldLock;
-        });
-        while (waiting == 0 || !isAsleep(waiting))
-            std::this_thread::yield();
+        std::thread other = threadWaitingForTheWorld([] {});
         GameLoop::lock();
         GameLoop::unlock();
         GameLoop::unlock();
@@ -547,16 +555,9 @@ TEST(GameLoopDeathTest, LetsTheOwnerOfTheWorldInAgainWhileAnotherThreadWaits)
 TEST_F(GameLoopTest, LetsAThreadThatWaitsInBeforeTheOneThatComesBack)
 {
     for (int i = 0; i < 20; ++i) {
-        std::atomic<int> waiting{0};
         std::atomic<bool> entered{false};
         GameLoop::lock();
-        std::thread other([&] {
-            waiting = gettid();
-            const GameLoop::Lock worldLock;
-            entered = true;
-        });
-        while (waiting == 0 || !isAsleep(waiting))
-            std::this_thread::yield();
+        std::thread other = threadWaitingForTheWorld([&] { entered = true; });
         GameLoop::unlock();
         GameLoop::lock();
         EXPECT_TRUE(entered);
