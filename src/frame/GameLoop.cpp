@@ -9,6 +9,7 @@
 #include <osg/FrameStamp>
 #include <osgViewer/ViewerBase>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -93,13 +94,20 @@ bool GameLoop::isPaused()
 void GameLoop::addFrameTask(Task* task)
 {
     GameLoop* self = instance();
-    self->queueCommand([self, task] { self->frameTasks.insert(task); });
+    self->queueCommand([self, task] {
+        std::vector<Task*>& tasks = self->frameTasks;
+        if (std::find(tasks.begin(), tasks.end(), task) == tasks.end())
+            tasks.push_back(task);
+    });
 }
 
 void GameLoop::removeFrameTask(Task* task)
 {
     GameLoop* self = instance();
-    self->queueCommand([self, task] { self->frameTasks.erase(task); });
+    self->queueCommand([self, task] {
+        std::vector<Task*>& tasks = self->frameTasks;
+        tasks.erase(std::remove(tasks.begin(), tasks.end(), task), tasks.end());
+    });
 }
 
 void GameLoop::addIntervalTask(Task* task, double intervalSeconds)

@@ -10,7 +10,7 @@
 #include <deque>
 #include <functional>
 #include <unordered_map>
-#include <unordered_set>
+#include <vector>
 
 namespace osg {
 class FrameStamp;
@@ -96,7 +96,10 @@ private:
     int worldDepth = 0;  // locks of the owner; guarded by worldMutex
     QMultiMap<double, Task*> intervalTasks;
     std::unordered_map<double, int> intervalCounts;
-    std::unordered_set<Task*> frameTasks;
+    /// In the order of their registration, each once. A hash set would walk them by their
+    /// addresses: in each run of the program elevators would be tied to the board in another order,
+    /// and the same keys would not lead to the same game.
+    std::vector<Task*> frameTasks;
     std::deque<std::function<void()>> commandQueue;
     QMutex commandMutex;
     std::atomic<bool> paused{false};

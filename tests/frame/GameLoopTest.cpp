@@ -14,6 +14,7 @@
 #include <osg/FrameStamp>
 #include <osg/NodeCallback>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
@@ -246,6 +247,31 @@ TEST_F(GameLoopTest, HoldsAFrameTaskOnlyOnce)
     GameLoop::removeFrameTask(&counter.task);
     tick();
     EXPECT_EQ(counter.runs, 1);
+}
+
+TEST_F(GameLoopTest, RunsFrameTasksInTheOrderOfTheirRegistrationWhereverTheyLie)
+{
+    attach();
+    std::vector<GameLoop::Task> tasks(100);
+    std::vector<GameLoop::Task*> places(tasks.size());
+    std::transform(tasks.begin(), tasks.end(), places.begin(),
+                   [](GameLoop::Task& task) { return &task; });
+    std::vector<GameLoop::Task*> run;
+    for (int i = 0; i < 2; ++i) {
+        for (GameLoop::Task* place : places) {
+            *place = [&run, place] {
+                run.push_back(place);
+            };
+            GameLoop::addFrameTask(place);
+        }
+        run.clear();
+        tick();
+        EXPECT_EQ(run, places);
+        for (GameLoop::Task* place : places)
+            GameLoop::removeFrameTask(place);
+        tick();
+        std::reverse(places.begin(), places.end());
+    }
 }
 
 TEST_F(GameLoopTest, TellsTasksApartByTheirAddress)

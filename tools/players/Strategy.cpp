@@ -79,7 +79,7 @@ Intent Strategy::decide(const LevelSight& sight, const osg::Vec3d& expectedBall)
     }
     const Way& way = wayToTarget(here);
     if (way.empty())
-        return intent;
+        return isSpentSpring(here) ? follow(wayOff(here), ball, false) : intent;
     const Way open = openPart(sight, way);
     if (open.size() == way.size())
         return follow(open, ball, false);
@@ -236,12 +236,27 @@ void Strategy::leanOn(const LevelSight& sight, const CellPosition& here, const C
         intent.velocity.y() = (here.row - next.row) * temper.waitingSpeed;
 }
 
-/// A spring that rests, and not one that is just throwing.
+/// A spring that rests, and not one that is just throwing. It throws at a touch: a ball that lies
+/// on it since one lies there for ever.
 bool Strategy::isSpentSpring(const CellPosition& cell) const
 {
     const auto rests = restsUntil.find({cell.column, cell.row});
-    return map.isSpring(cell) && rests != restsUntil.end() && tick < rests->second &&
+    return map.isSpring(cell) && rests != restsUntil.end() &&
+           (tick < rests->second || cell == last) &&
            tick > rests->second - restTicks + ticksPerSecond;
+}
+
+/// To where the ball can come from again; far enough that the next touch is a new one.
+Way Strategy::wayOff(const CellPosition& spring)
+{
+    int& rests = restsUntil[{spring.column, spring.row}];
+    rests = std::max(rests, tick + ticksPerSecond);
+    Way way{spring};
+    const std::vector<CellPosition> above = edgesAbove(spring);
+    for (const CellPosition& beside : map.next(spring, deepestDrop))
+        if (way.size() == 1 && std::find(above.begin(), above.end(), beside) == above.end())
+            way.push_back(beside);
+    return way;
 }
 
 std::vector<CellPosition> Strategy::edgesAbove(const CellPosition& cell) const

@@ -57,6 +57,7 @@ private:
     void leanOn(const LevelSight& sight, const CellPosition& here, const CellPosition& next,
                 Intent& intent) const;
     bool isSpentSpring(const CellPosition& cell) const;
+    Way wayOff(const CellPosition& spring);
     std::vector<CellPosition> edgesAbove(const CellPosition& cell) const;
     void touch(const CellPosition& cell);
     bool hasRested(const CellPosition& cell) const;
