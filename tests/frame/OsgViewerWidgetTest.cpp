@@ -396,6 +396,47 @@ TEST_F(OsgViewerWidgetTest, FeedsTheReleaseOfF11ToTheViewer)
     EXPECT_EQ(events.front()->getKey(), osgGA::GUIEventAdapter::KEY_F11);
 }
 
+TEST_F(OsgViewerWidgetTest, TellsTheViewerAKeyByTheViewersNameForIt)
+{
+    using Event = osgGA::GUIEventAdapter;
+    struct Row
+    {
+        Qt::Key pressed;
+        QString text;
+        int told;
+    };
+    for (const Row& row : {Row{Qt::Key_Left, "", Event::KEY_Left},
+                           Row{Qt::Key_Right, "", Event::KEY_Right},
+                           Row{Qt::Key_Up, "", Event::KEY_Up},
+                           Row{Qt::Key_Down, "", Event::KEY_Down},
+                           Row{Qt::Key_PageUp, "", Event::KEY_Page_Up},
+                           Row{Qt::Key_PageDown, "", Event::KEY_Page_Down},
+                           Row{Qt::Key_Home, "", Event::KEY_Home},
+                           Row{Qt::Key_End, "", Event::KEY_End},
+                           Row{Qt::Key_Delete, "", Event::KEY_Delete},
+                           Row{Qt::Key_Return, "\r", Event::KEY_Return},
+                           Row{Qt::Key_Enter, "\r", Event::KEY_KP_Enter},
+                           Row{Qt::Key_Escape, "\x1b", Event::KEY_Escape},
+                           Row{Qt::Key_Backspace, "\b", Event::KEY_BackSpace},
+                           Row{Qt::Key_Tab, "\t", Event::KEY_Tab},
+                           Row{Qt::Key_Shift, "", Event::KEY_Shift_L},
+                           Row{Qt::Key_Control, "", Event::KEY_Control_L},
+                           Row{Qt::Key_Alt, "", Event::KEY_Alt_L},
+                           Row{Qt::Key_Meta, "", Event::KEY_Super_L},
+                           Row{Qt::Key_CapsLock, "", Event::KEY_Caps_Lock},
+                           Row{Qt::Key_F35, "", Event::KEY_F35},
+                           Row{Qt::Key_Q, "q", 'q'},
+                           Row{Qt::Key_Q, "Q", 'Q'}}) {
+        SCOPED_TRACE(row.pressed);
+        queued();
+        QKeyEvent press(QEvent::KeyPress, row.pressed, Qt::NoModifier, row.text);
+        sends(press);
+        const auto events = queued();
+        ASSERT_EQ(events.size(), 1u);
+        EXPECT_EQ(events[0]->getKey(), row.told);
+    }
+}
+
 TEST_F(OsgViewerWidgetTest, TellsTheViewerTheModifiersOfAKey)
 {
     using Event = osgGA::GUIEventAdapter;
