@@ -273,6 +273,12 @@ TEST_F(BlockItemTest, ShowsUpToThreePiecesAndTheSign)
         ASSERT_TRUE(displacement(sign));
         displacement(sign)->get(place);
         EXPECT_EQ(place, osg::Vec3f(-1.0f, 0.0f, 0.0f));
+        // Upright, so that it is read from the front: across, and for a plus from top to bottom.
+        const osg::Vec3f bars[] = {osg::Vec3f(1.0f, 0.2f, 0.3f), osg::Vec3f(0.3f, 0.2f, 1.0f)};
+        for (unsigned int i = 0; i < row.bars; ++i) {
+            const osg::BoundingBox bar = sign->getDrawable(i)->computeBoundingBox();
+            EXPECT_NEAR((bar._max - bar._min - bars[i]).length(), 0.0, 1e-5) << "bar " << i;
+        }
     }
 }
 

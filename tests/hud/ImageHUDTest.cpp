@@ -172,6 +172,19 @@ TEST_F(ImageHUDTest, ChangesThePictureAtOnce)
     EXPECT_EQ(element->getGeode()->getNumDrawables(), 1u);
 }
 
+TEST_F(ImageHUDTest, MovesGrowsAndTurnsToAnotherCornerAtOnce)
+{
+    writesPicture("wide.png", 100, 50, {1, 0, 0, 1});
+    auto element = shown(makesImage("wide.png", {0, 0}, {0, 0}, osgText::TextBase::LEFT_BOTTOM));
+    expectQuad(*element, 0, 0, 100, 50);
+    element->setPosition({0.5f, 0.5f});
+    expectQuad(*element, 400, 300, 500, 350);
+    element->setSize({0.25f, 0});
+    expectQuad(*element, 400, 300, 600, 400);
+    element->setAlignment(osgText::TextBase::RIGHT_TOP);
+    expectQuad(*element, 200, 200, 400, 300);
+}
+
 TEST_F(ImageHUDTest, MeansTheSameFractionsInAContainer)
 {
     writesPicture("red.png", 10, 10, {1, 0, 0, 1});

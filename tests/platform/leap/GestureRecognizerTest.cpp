@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -177,6 +178,21 @@ TEST(GestureRecognizer, TellsFromTheFirstReportHowFarTheCircleHasCome)
             const double turns = times[times.size() - seen.size()] * turnsPerSecond;
             EXPECT_NEAR(seen.front().progress, turns, 0.003);
         }
+    }
+}
+
+TEST(GestureRecognizer, GivesEveryCircleANumberOfItsOwn)
+{
+    FingerTrack finger(110);
+    std::vector<int> numbers;
+    for (int i = 0; i < 3; ++i) {
+        finger.follow(0.3, still);
+        const auto seen = finger.follow(1.6, circle(25.0, 2.0, true));
+        ASSERT_EQ(circleEnds(seen), 1);
+        for (const GestureData& gesture : seen)
+            EXPECT_EQ(gesture.id, seen.front().id);
+        EXPECT_EQ(std::count(numbers.begin(), numbers.end(), seen.front().id), 0);
+        numbers.push_back(seen.front().id);
     }
 }
 
