@@ -253,9 +253,13 @@ Way Strategy::wayOff(const CellPosition& spring)
     rests = std::max(rests, tick + ticksPerSecond);
     Way way{spring};
     const std::vector<CellPosition> above = edgesAbove(spring);
-    for (const CellPosition& beside : map.next(spring, deepestDrop))
-        if (way.size() == 1 && std::find(above.begin(), above.end(), beside) == above.end())
-            way.push_back(beside);
+    const std::vector<CellPosition> around = map.next(spring, deepestDrop);
+    const auto beside =
+        std::find_if(around.begin(), around.end(), [&above](const CellPosition& cell) {
+            return std::find(above.begin(), above.end(), cell) == above.end();
+        });
+    if (beside != around.end())
+        way.push_back(*beside);
     return way;
 }
 
