@@ -299,6 +299,22 @@ TEST(GestureRecognizer, ReportsATapOnceOnTheWayBack)
     }
 }
 
+TEST(GestureRecognizer, ReportsATapThatSlowsDownBeforeItTurns)
+{
+    for (const int rate : sensorRates) {
+        SCOPED_TRACE(testing::Message() << rate << " Hz");
+        FingerTrack finger(rate);
+        finger.follow(0.2, still);
+        const auto seen = finger.follow(0.6, [](double t) {
+            const double forward = t < 0.08   ? 300.0 * t
+                                   : t < 0.26 ? 24.0 + 20.0 * (t - 0.08)
+                                              : 27.6 - 300.0 * (t - 0.26);
+            return Vector(0.0f, 0.0f, float(-std::max(forward, 0.0)));
+        });
+        EXPECT_EQ(taps(seen), 1);
+    }
+}
+
 TEST(GestureRecognizer, TakesNoHalfTapForATap)
 {
     const std::vector<std::pair<const char*, FingerTrack::Path>> others{
