@@ -223,20 +223,6 @@ protected:
     }
 };
 
-TEST_F(BlockElevatorTest, ReadsModeAndTravelFromEverySaturation)
-{
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        const bool automatically = saturation <= 73;
-        const int band = automatically ? automaticBand : manualBand;
-        // A step's nominal saturation and its two neighbours.
-        const int step = std::max(0, (saturation - band + 1) / 3);
-        const ElevatorOption way = ElevatorOption::ofSaturation(saturation);
-        EXPECT_EQ(way.automatic, automatically);
-        EXPECT_EQ(way.travel, travels[step]);
-    }
-}
-
 TEST_F(BlockElevatorTest, LocksAtHomeInTheFirstTickAndStaysWhenNobodySignals)
 {
     loadsAll(manual);

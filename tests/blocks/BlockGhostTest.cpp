@@ -99,26 +99,6 @@ protected:
     }
 };
 
-TEST_F(BlockGhostTest, ReadsStateAndPeriodFromEverySaturation)
-{
-    // Of the steps 0 to 16; beyond there is no rhythm.
-    const double periods[] = {0.5, 0.5, 1.0, 1.0, 1.0, 1.5, 1.5, 1.5, 2.0,
-                              2.0, 2.0, 2.5, 2.5, 2.5, 3.0, 3.0, 3.0};
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        const GhostOption rhythm = GhostOption::ofSaturation(saturation);
-        EXPECT_EQ(rhythm.initiallyOpaque, saturation >= 79);
-        double period = 0.0;
-        if (saturation < 50 || saturation == 79)
-            period = 0.5;
-        else if (saturation <= 66)
-            period = periods[saturation - 50];
-        else if (saturation >= 80 && saturation <= 96)
-            period = periods[saturation - 80];
-        EXPECT_DOUBLE_EQ(rhythm.period, period);
-    }
-}
-
 TEST_F(BlockGhostTest, BeginsAsItsSaturationSays)
 {
     for (const int saturation : {30, 50, 67, 78, 79, 80, 96, 97, 100}) {

@@ -70,40 +70,7 @@ const osg::Uniform* displacement(const osg::Geode* geode)
     return stateSet ? stateSet->getUniform("a_ItemDisplace") : nullptr;
 }
 
-/// The pieces by their saturation's offset, as level authors have it on their sheet.
-int sheetPieces(int offset)
-{
-    return offset < 2 ? 1 : offset < 5 ? 2 : offset < 8 ? 3 : 4;
-}
-
 }  // namespace
-
-TEST(ItemOption, TellsKindCountAndAmountOfEverySaturation)
-{
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        ItemOption expected{ItemKind::Coin, 1, 10.0};
-        if (saturation > 88) {
-            const int pieces = sheetPieces(saturation - 90);
-            expected = {ItemKind::Coin, pieces, pieces * 10.0};
-        } else if (saturation > 78) {
-            const int pieces = sheetPieces(saturation - 80);
-            expected = {ItemKind::Coin, -pieces, pieces * -10.0};
-        } else if (saturation > 68) {
-            const int pieces = sheetPieces(saturation - 70);
-            expected = {ItemKind::Heart, pieces, double(pieces)};
-        } else if (saturation > 58) {
-            const int pieces = sheetPieces(saturation - 60);
-            expected = {ItemKind::Heart, -pieces, -double(pieces)};
-        } else if (saturation > 48) {
-            expected = {ItemKind::Weight, 0, sheetPieces(saturation - 50) * 3.0 - 2.0};
-        }
-        const ItemOption option = ItemOption::ofSaturation(saturation);
-        EXPECT_EQ(option.kind, expected.kind);
-        EXPECT_EQ(option.count, expected.count);
-        EXPECT_EQ(option.amount, expected.amount);
-    }
-}
 
 TEST_F(BlockItemTest, CoinsAreGivenAndTaken)
 {

@@ -159,11 +159,6 @@ protected:
     }
 };
 
-int sheetStep(int offset)
-{
-    return offset < 2 ? 0 : offset < 5 ? 1 : offset < 8 ? 2 : 3;
-}
-
 void expectPoints(const osg::Vec3Array& points, const std::vector<osg::Vec3f>& expected)
 {
     ASSERT_EQ(points.size(), expected.size());
@@ -172,25 +167,6 @@ void expectPoints(const osg::Vec3Array& points, const std::vector<osg::Vec3f>& e
 }
 
 }  // namespace
-
-TEST(PortalOption, TellsFaceAndStrengthOfEverySaturation)
-{
-    const float strength[] = {0.0f, 0.5f, 1.0f, 1.5f};
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        int face = 0;
-        int offset = 0;
-        for (int candidate = 4; candidate >= 0; --candidate) {
-            if (saturation >= bandOf[candidate] - 1) {
-                face = candidate;
-                offset = saturation - bandOf[candidate];
-            }
-        }
-        const PortalOption option = PortalOption::ofSaturation(saturation);
-        EXPECT_EQ(int(option.face), face);
-        EXPECT_FLOAT_EQ(option.strength, strength[sheetStep(offset)]);
-    }
-}
 
 TEST(PortalShape, DirectionsPointFromTheMouthIntoTheBlock)
 {

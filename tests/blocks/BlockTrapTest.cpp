@@ -62,36 +62,7 @@ protected:
     float plungerHeight() const { return shapesOf<osg::Cylinder>(trap()).at(0)->getHeight(); }
 };
 
-/// The step of an option by its saturation's offset, as level authors have it on their sheet.
-int sheetStep(int offset)
-{
-    return offset < 2 ? 0 : offset < 5 ? 1 : offset < 8 ? 2 : 3;
-}
-
 }  // namespace
-
-TEST(TrapOption, TellsKindAndParameterOfEverySaturation)
-{
-    const double strength[] = {5.0, 8.0, 11.0, 14.0};
-    const double side[] = {3.0, 4.0, 6.0, 7.0};
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        TrapOption expected{TrapKind::Mine, 0.0};
-        if (saturation > 88)
-            expected = {TrapKind::Mine, double(sheetStep(saturation - 90))};
-        else if (saturation > 78)
-            expected = {TrapKind::Spring, strength[sheetStep(saturation - 80)]};
-        else if (saturation > 68)
-            expected = {TrapKind::Trapdoor, double(sheetStep(saturation - 70))};
-        else if (saturation > 58)
-            expected = {TrapKind::None, 0.0};
-        else if (saturation > 48)
-            expected = {TrapKind::Well, side[sheetStep(saturation - 50)]};
-        const TrapOption option = TrapOption::ofSaturation(saturation);
-        EXPECT_EQ(option.kind, expected.kind);
-        EXPECT_EQ(option.parameter, expected.parameter);
-    }
-}
 
 TEST_F(BlockTrapTest, MineCostsLivesByTheDistanceOfTheBlast)
 {

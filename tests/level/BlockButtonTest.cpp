@@ -146,24 +146,6 @@ private:
     }
 };
 
-TEST_F(BlockButtonTest, ReadsModeAndTimeFromEverySaturation)
-{
-    for (int saturation = 0; saturation <= 100; ++saturation) {
-        SCOPED_TRACE(saturation);
-        const ButtonOption option = ButtonOption::ofSaturation(saturation);
-        if (saturation >= 91 || saturation < 49) {
-            EXPECT_EQ(int(option.mode), 0);
-        } else if (saturation < 59) {
-            EXPECT_EQ(int(option.mode), 2);
-            EXPECT_EQ(option.coolDown, 1.0f);
-        } else {
-            EXPECT_EQ(int(option.mode), 1);
-            // 1 for 59 to 61, 2 for 62 to 64, and so on.
-            EXPECT_EQ(option.coolDown, float((saturation - 59) / 3 + 1));
-        }
-    }
-}
-
 TEST_F(BlockButtonTest, ShowsItsColourAtRest)
 {
     for (const auto& [saturation, expected] : {std::pair(30, red),
