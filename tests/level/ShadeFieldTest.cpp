@@ -153,6 +153,15 @@ TEST_F(ShadeFieldTest, HasNothingToDoUntilSomethingChanges)
     EXPECT_TRUE(field.update(lamp + osg::Vec3f(0.1f, 0.0f, 0.0f)));
 }
 
+TEST_F(ShadeFieldTest, FollowsALampThatCreepsAsOneThatLeaps)
+{
+    pointsUnder(lamp);
+    const osg::Vec3f step(0.004f, 0.0f, 0.0f);
+    EXPECT_FALSE(field.update(lamp + step)) << "too little to be seen";
+    EXPECT_FALSE(field.update(lamp + step * 2.0f));
+    EXPECT_TRUE(field.update(lamp + step * 3.0f)) << "since the shadows were laid";
+}
+
 TEST(ShadeField, NeedsTwoCallsForABoardOfTwentyTimesTwenty)
 {
     ShadeField field(20, 20);
