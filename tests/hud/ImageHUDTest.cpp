@@ -80,6 +80,15 @@ TEST_F(ImageHUDTest, IsDrawnPixelByPixelWithoutASize)
     expectQuad(*element, 0, 0, 37, 21);
 }
 
+TEST_F(ImageHUDTest, HasNoSizeUntilItIsGivenOne)
+{
+    writesPicture("odd.png", 37, 21, {1, 0, 0, 1});
+    osg::ref_ptr<ImageHUD> element = new ImageHUD;
+    element->setImage("odd.png");
+    element->setAlignment(2);
+    expectQuad(*shown(element), 0, 0, 37, 21);
+}
+
 TEST_F(ImageHUDTest, StretchesToASizeThatIsGivenWhole)
 {
     writesPicture("wide.png", 100, 50, {1, 0, 0, 1});

@@ -299,6 +299,17 @@ TEST(GestureRecognizer, ReportsATapOnceOnTheWayBack)
     }
 }
 
+TEST(GestureRecognizer, ReportsAShortTapThatIsQuick)
+{
+    // So short that the finger's speed counts: over the time that is looked back on it is slow.
+    for (const int rate : sensorRates) {
+        SCOPED_TRACE(testing::Message() << rate << " Hz");
+        FingerTrack finger(rate);
+        finger.follow(0.2, still);
+        EXPECT_EQ(taps(finger.follow(0.6, poke(11.5, 0.05))), 1);
+    }
+}
+
 TEST(GestureRecognizer, ReportsATapThatSlowsDownBeforeItTurns)
 {
     for (const int rate : sensorRates) {

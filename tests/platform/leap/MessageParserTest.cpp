@@ -259,6 +259,18 @@ TEST(MessageParser, DropsAFrameOfAMillionHands)
     EXPECT_FALSE(isMalformed(frameOf("[" + hands.left(60000 - 1) + "]")));
 }
 
+TEST(MessageParser, NumbersTheKindsOfGesturesAsProgramsKnowThem)
+{
+    for (const auto& [name, number] :
+         {std::pair("swipe", 1), {"circle", 4}, {"screenTap", 5}, {"keyTap", 6}}) {
+        SCOPED_TRACE(name);
+        const auto message = parseMessage(frameWithGesture(QByteArray("{\"id\":1,\"type\":\"") +
+                                                           name + "\",\"state\":\"stop\"}"));
+        ASSERT_EQ(message.frame.gestures.size(), 1u);
+        EXPECT_EQ(int(message.frame.gestures[0].type), number);
+    }
+}
+
 TEST(MessageParser, SkipsGesturesThatItDoesNotKnow)
 {
     const auto gestures = [](const char* text) {
