@@ -393,6 +393,17 @@ TEST(GestureRecognizer, TakesAFingerThatPointsAsideForNoTap)
     EXPECT_EQ(taps(seen), 0);
 }
 
+TEST(GestureRecognizer, SeesNothingInABentFinger)
+{
+    const auto bends = [](double, FrameData& frame) {
+        frame.pointables[0].extended = false;
+    };
+    FingerTrack finger(110);
+    finger.follow(0.2, still, bends);
+    EXPECT_TRUE(finger.follow(0.6, poke(30.0, 0.1), bends).empty());
+    EXPECT_TRUE(finger.follow(0.6, circle(30.0, 1.0, true), bends).empty());
+}
+
 TEST(GestureRecognizer, SeesNothingInAFlatHandThatSteers)
 {
     for (const int rate : sensorRates) {
