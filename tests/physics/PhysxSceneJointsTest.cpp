@@ -263,6 +263,16 @@ TEST_F(PhysxSceneJoints, LimitALinearAxis)
     EXPECT_NEAR(scene->position(0).z(), -1.5f, 0.02f);
 }
 
+TEST_F(PhysxSceneJoints, LockAnAxisWithoutTheLimitOfAnother)
+{
+    box(0);
+    scene->createD6Joint(0, 0, {}, PhysxScene::world, {});
+    scene->setD6Motion(0, PxD6Axis::eZ, PxD6Motion::eLIMITED, 1.5f, 0.2f);
+    EXPECT_TRUE(scene->setD6Motion(0, PxD6Axis::eX, PxD6Motion::eLOCKED, 5, 5));
+    EXPECT_EQ(joint<PxD6Joint>(0)->getMotion(PxD6Axis::eX), PxD6Motion::eLOCKED);
+    EXPECT_EQ(joint<PxD6Joint>(0)->getDistanceLimit().value, 1.5f);
+}
+
 TEST_F(PhysxSceneJoints, TakeTheDefaultContactDistanceOfALinearLimit)
 {
     box(0);
