@@ -310,6 +310,23 @@ TEST(GestureRecognizer, ReportsAShortTapThatIsQuick)
     }
 }
 
+TEST(GestureRecognizer, ReportsATapByTheWayThatTheFingerCame)
+{
+    // Quick at first, when it has not come far enough; far enough when it is no longer quick.
+    for (const int rate : sensorRates) {
+        SCOPED_TRACE(testing::Message() << rate << " Hz");
+        FingerTrack finger(rate);
+        finger.follow(0.2, still);
+        const auto seen = finger.follow(0.6, [](double t) {
+            const double forward = t < 0.03   ? 270.0 * t
+                                   : t < 0.09 ? 8.1 + 100.0 * (t - 0.03)
+                                              : 14.1 - 100.0 * (t - 0.09);
+            return Vector(0.0f, 0.0f, float(-std::max(forward, 0.0)));
+        });
+        EXPECT_EQ(taps(seen), 1);
+    }
+}
+
 TEST(GestureRecognizer, ReportsATapThatSlowsDownBeforeItTurns)
 {
     for (const int rate : sensorRates) {
