@@ -18,11 +18,11 @@
 namespace {
 
 constexpr int shortForm = 400;    // level changes
-constexpr int oddWays = 40;       // pictures after which odd ones only repeat what is odd
+constexpr int oddWays = 170;      // odd pictures until the largest were seen
 constexpr int oddPictures = 500;  // different ones
 constexpr unsigned oddLevel = 999;
 constexpr int soundings = 20;    // of memory, over the whole trial
-constexpr double leeway = 20.0;  // MB; one level that stayed each time would be hundreds
+constexpr double leeway = 12.0;  // MB; one level that stayed each time would be hundreds
 
 class LevelChangesSoak : public GameTest
 {
