@@ -213,11 +213,8 @@ ShaderProgram::Shader* Rollix::sharedShader(const std::string& name)
 
 void Rollix::setSharedStages(ShaderProgram& program, const std::string& programName)
 {
-    const ProgramRecipe& recipe = programRecipe(programName);
-    program.setVertexShader(sharedShader(recipe.vertexStage));
-    if (!recipe.geometryStage.empty())
-        program.setGeometryShader(sharedShader(recipe.geometryStage));
-    program.setFragmentShader(sharedShader(recipe.fragmentStage));
+    setStages(
+        program, programName, [this](const std::string& stage) { return sharedShader(stage); });
 }
 
 osg::Texture2D* Rollix::sharedTexture(const std::string& file)

@@ -110,11 +110,16 @@ osg::ref_ptr<ShaderProgram::Shader> makeStage(const std::string& name)
     return stage;
 }
 
-void setOwnStages(ShaderProgram& program, const std::string& programName)
+void setStages(ShaderProgram& program, const std::string& programName, const StageSource& stageOf)
 {
     const ProgramRecipe& recipe = programRecipe(programName);
-    program.setVertexShader(makeStage(recipe.vertexStage));
+    program.setVertexShader(stageOf(recipe.vertexStage));
     if (!recipe.geometryStage.empty())
-        program.setGeometryShader(makeStage(recipe.geometryStage));
-    program.setFragmentShader(makeStage(recipe.fragmentStage));
+        program.setGeometryShader(stageOf(recipe.geometryStage));
+    program.setFragmentShader(stageOf(recipe.fragmentStage));
+}
+
+void setOwnStages(ShaderProgram& program, const std::string& programName)
+{
+    setStages(program, programName, makeStage);
 }

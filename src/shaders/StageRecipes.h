@@ -2,6 +2,7 @@
 
 #include "shaders/ShaderProgram.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,5 +36,11 @@ const ProgramRecipe& programRecipe(const std::string& name);
 /// Reads a stage anew.
 osg::ref_ptr<ShaderProgram::Shader> makeStage(const std::string& name);
 
-/// Gives `program` the stages of a recipe, read anew and shared with no other program.
+/// Hands a stage out by its name.
+using StageSource = std::function<osg::ref_ptr<ShaderProgram::Shader>(const std::string&)>;
+
+/// Gives `program` the stages of a recipe.
+void setStages(ShaderProgram& program, const std::string& programName, const StageSource& stageOf);
+
+/// Those, read anew and shared with no other program.
 void setOwnStages(ShaderProgram& program, const std::string& programName);

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -240,6 +241,19 @@ TEST_F(BlockElevatorTest, IsHeldOnItsWayByNothingButTheDrive)
     block.onSignal(nullptr);
     ticks(4);
     EXPECT_GT(giveUnderPush(block, -1.0), 0.1);
+}
+
+TEST_F(BlockElevatorTest, IsThereFromAHundredthBeforeTheFarEndOn)
+{
+    for (const auto& [distance, isThere] : {std::pair(1.483, false), std::pair(1.487, true)}) {
+        SCOPED_TRACE(distance);
+        Block& block = loadsOne(automatic(6));
+        endsRest(block);
+        block.getTransform()->setMatrix(
+            osg::Matrixd::translate(block.x, block.y, block.height * 0.5 + distance) * boardPose());
+        ticks(1);
+        EXPECT_EQ(isResting(block), isThere);
+    }
 }
 
 TEST_F(BlockElevatorTest, GoesToTheFarEndAtASignalAndHomeAtTheNext)

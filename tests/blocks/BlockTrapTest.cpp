@@ -491,3 +491,19 @@ TEST_F(BlockTrapTest, DecorationsStandOnTheMiddleOfARamp)
     loadsTrap(wellOfStep[0], flatTwo);
     EXPECT_NEAR(shapesOf<osg::Cylinder>(trap()).at(0)->getCenter().z(), 1.0f, 1e-6);
 }
+
+TEST_F(BlockTrapTest, SpringHasAPlungerOfSteel)
+{
+    for (const osg::Geode* geode : (loadsTrap(springOfStep[0]), geodesOf(trap()))) {
+        const auto* drawable = dynamic_cast<const osg::ShapeDrawable*>(geode->getDrawable(0));
+        if (!drawable || !dynamic_cast<const osg::Cylinder*>(drawable->getShape()))
+            continue;
+        osg::Vec4f steel;
+        ASSERT_TRUE(geode->getStateSet()->getUniform("a_Lacquer"));
+        geode->getStateSet()->getUniform("a_Lacquer")->get(steel);
+        EXPECT_GT(steel.a(), 0.5f) << "little wood is seen through it";
+        EXPECT_NEAR(steel.r(), steel.b(), 0.15f) << "and it is grey";
+        return;
+    }
+    FAIL() << "no plunger";
+}

@@ -512,6 +512,11 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerTheWheelsFourWays)
         ASSERT_EQ(events.size(), 1u);
         EXPECT_EQ(events[0]->getScrollingMotion(), row.told);
     }
+    // A touchpad tells the begin and the end of a scroll, too.
+    QWheelEvent still(QPointF(10, 20), QPointF(10, 20), QPoint(), QPoint(), Qt::NoButton,
+                      Qt::NoModifier, Qt::ScrollEnd, false);
+    sends(still);
+    EXPECT_TRUE(queued().empty());
 }
 
 TEST_F(OsgViewerWidgetTest, StaysOpenAtEscape)
@@ -577,6 +582,11 @@ TEST_F(OsgViewerWidgetTest, TellsTheViewerSizesAndPlacesInDevicePixels)
     EXPECT_TRUE(told);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->width, width);
     EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->height, height);
+    QMoveEvent move(QPoint(40, 30), QPoint());
+    QCoreApplication::sendEvent(widget.get(), &move);
+    EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->x, std::lround(40 * ratio));
+    EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->y, std::lround(30 * ratio));
+    EXPECT_EQ(widget->getGraphicsWindow()->getTraits()->width, width);
     EXPECT_EQ(view->getCamera()->getViewport()->width(), width);
     EXPECT_EQ(view->getCamera()->getViewport()->height(), height);
     double fieldOfView = 0.0;
@@ -620,6 +630,22 @@ TEST_F(OsgViewerWidgetTest, TakesTheKeyboardsFocus)
         widget->activateWindow();
         return widget->isActiveWindow() && widget->hasFocus();
     }));
+}
+
+TEST_F(OsgViewerWidgetTest, ComesToTheFront)
+{
+    struct Raises : QObject
+    {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            count += event->type() == QEvent::ZOrderChange;
+            return false;
+        }
+        int count = 0;
+    } raises;
+    widget->installEventFilter(&raises);
+    widget->getGraphicsWindow()->raiseWindow();
+    EXPECT_EQ(raises.count, 1);
 }
 
 TEST_F(OsgViewerWidgetTest, KeepsTheWindowThatItDrawsIn)

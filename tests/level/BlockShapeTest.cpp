@@ -169,6 +169,7 @@ TEST_F(BlockShapeTest, IsDrawnAsItStandsSeenFromOutside)
         const BlockShape shape = BlockShape::ofValue(value);
         const osg::Vec3f middle(block->x, block->y, (shape.lowHeight + shape.highHeight) * 0.25f);
         std::vector<osg::Vec3f> points;
+        osg::Vec3f windings;
         for (std::size_t i = 0; i < vertices.size(); i += 3) {
             if (std::fabs(vertices[i].x() - block->x) > 0.51f)
                 continue;
@@ -178,7 +179,9 @@ TEST_F(BlockShapeTest, IsDrawnAsItStandsSeenFromOutside)
             const osg::Vec3f winding =
                 (vertices[i + 1] - vertices[i]) ^ (vertices[i + 2] - vertices[i]);
             EXPECT_GT(winding * normals[i], 0.0f) << "what looks away is not drawn";
+            windings += winding;
         }
+        EXPECT_LT(windings.length(), 1e-4f) << "there is a gap";
         expectCorners(points, shape, osg::Vec3f(block->x, block->y, 0.0f));
     }
 }

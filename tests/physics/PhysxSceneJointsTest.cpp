@@ -448,3 +448,20 @@ TEST_F(PhysxSceneJoints, CarryALiftThroughItsHoleOverManyLockedCycles)
         }
     }
 }
+
+TEST_F(PhysxSceneJoints, KeepAPairApartWhoseFirstCannotMoveWhenOneOfThemGoes)
+{
+    plane(0);
+    ball(1, {0, 0, 2});
+    // A plane's own x axis is its normal.
+    const osg::Matrixd over = osg::Matrixd::translate(2, 0, 0);
+    const osg::Matrixd upright = osg::Matrixd::rotate(osg::Vec3d(1, 0, 0), osg::Vec3d(0, 0, 1));
+    scene->createD6Joint(slide, 0, over, 1, upright);
+    scene->setD6Motion(slide, PxD6Axis::eX, PxD6Motion::eFREE, 0.0f, 0.0f);
+    scene->createFixedJoint(lock, 0, over, 1, upright);
+    scene->steps(5);
+    ASSERT_NEAR(scene->position(1).z(), 2.0f, 0.01f);
+    scene->removeJoint(lock);
+    scene->steps(90);
+    EXPECT_LT(scene->position(1).z(), -1.0f) << "the tied ball falls through the plane";
+}

@@ -115,6 +115,7 @@ TEST_F(ConversationTest, TellsTheSenseOfACircleWithoutAFingerByItsNormal)
 {
     greets(oldService);
     const CircleGesture away = sees(circle(1, 7, "update", false, -1));
+    EXPECT_EQ(away.pointable().id(), -1) << "which no finger has";
     EXPECT_GT(away.pointable().direction().angleTo(Vector(0, 0, 1)), 3.1f);
     EXPECT_FLOAT_EQ(away.pointable().direction().angleTo(away.normal()), 0.0f);
 }
