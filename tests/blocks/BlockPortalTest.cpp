@@ -492,6 +492,19 @@ TEST_F(BlockPortalTest, EnteringMeansNothingToAPortalThatReleasesTheBall)
     EXPECT_EQ(receiver().getState(), BlockPortal::Idle);
 }
 
+TEST_F(BlockPortalTest, LeavingAnIdlePortalDoesNotDisturbTheCrossingOfAnother)
+{
+    loadsPortals({portalCell(0), portalCell(1), portalCell(0)});
+    sender().onBallEnter(&ball());
+    sender().onBallEnter(&ball());
+    BlockPortal& idle = portal(receiver().getState() == BlockPortal::Idle ? 1 : 2);
+    ASSERT_EQ(idle.getState(), BlockPortal::Idle);
+    ASSERT_TRUE(isActiveOnBall());
+    idle.onBallLeave(&ball());
+    EXPECT_TRUE(isActiveOnBall());
+    EXPECT_EQ(sender().getState(), BlockPortal::Sending);
+}
+
 TEST_F(BlockPortalTest, NextCrossingIsShownAtItsOwnReceiver)
 {
     const int faces[] = {0, 3, topFace};

@@ -89,6 +89,15 @@ TEST(ElevatorOption, TellsModeAndTravelOfEverySaturation)
     }
 }
 
+TEST(TrapOption, NumbersTheKinds)
+{
+    EXPECT_EQ(int(TrapKind::None), -1);
+    EXPECT_EQ(int(TrapKind::Mine), 0);
+    EXPECT_EQ(int(TrapKind::Spring), 1);
+    EXPECT_EQ(int(TrapKind::Trapdoor), 2);
+    EXPECT_EQ(int(TrapKind::Well), 3);
+}
+
 TEST(TrapOption, TellsKindAndParameterOfEverySaturation)
 {
     const double strength[] = {5.0, 8.0, 11.0, 14.0};
