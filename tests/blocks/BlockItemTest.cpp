@@ -340,6 +340,22 @@ TEST_F(BlockItemTest, HasBoundsAroundItsCopiesWhereverItsShaderDrawsThem)
     }
 }
 
+TEST_F(BlockItemTest, ThrowsItsShadowFromWhereItIsDrawn)
+{
+    for (const int value : {73, 100}) {
+        SCOPED_TRACE(value);
+        loadsItem(plainCoin, value);
+        osg::BoundingBox drawn;
+        for (const osg::Geode* geode : display())
+            drawn.expandBy(geode->getDrawable(0)->getBoundingBox());
+        const osg::Matrixd toBoard =
+            displayTransform().getMatrix() *
+            osg::Matrixd::translate(item().x, item().y, item().height * 0.5);
+        ASSERT_EQ(item().hovering().size(), 1u);
+        EXPECT_TRUE(drawn.contains(item().hovering()[0].center * osg::Matrixd::inverse(toBoard)));
+    }
+}
+
 TEST_F(BlockItemTest, PutsItsModelInTheMiddleUnlessACopyHasAPlaceOfItsOwn)
 {
     // All items draw with one program: what one does not set, it sees as another has set it.

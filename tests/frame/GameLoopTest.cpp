@@ -311,6 +311,22 @@ TEST_F(GameLoopTest, RunsAnIntervalTaskAsOftenAsItIsRegistered)
     EXPECT_EQ(GameLoop::intervalTaskCount(), 0u);
 }
 
+TEST_F(GameLoopTest, GoesOnWithTheOtherTasksOfAnIntervalWhenOneIsRemoved)
+{
+    attach();
+    Counter goes;
+    Counter stays;
+    GameLoop::addIntervalTask(&goes.task, 1.0);
+    GameLoop::addIntervalTask(&stays.task, 1.0);
+    tickAt(0.0);
+    GameLoop::removeIntervalTask(&goes.task, 1.0);
+    tickAt(1.5);
+    EXPECT_EQ(goes.runs, 0);
+    EXPECT_EQ(stays.runs, 1);
+    GameLoop::removeIntervalTask(&stays.task, 1.0);
+    tick();
+}
+
 TEST_F(GameLoopTest, RunsTheNewestTaskOfAnIntervalFirst)
 {
     attach();
