@@ -342,7 +342,7 @@ TEST_F(BlockItemTest, HasBoundsAroundItsCopiesWhereverItsShaderDrawsThem)
 
 TEST_F(BlockItemTest, ThrowsItsShadowFromWhereItIsDrawn)
 {
-    for (const int value : {73, 100}) {
+    for (const int value : {flatHalf, 100}) {
         SCOPED_TRACE(value);
         loadsItem(plainCoin, value);
         osg::BoundingBox drawn;

@@ -494,7 +494,8 @@ TEST_F(BlockTrapTest, DecorationsStandOnTheMiddleOfARamp)
 
 TEST_F(BlockTrapTest, SpringHasAPlungerOfSteel)
 {
-    for (const osg::Geode* geode : (loadsTrap(springOfStep[0]), geodesOf(trap()))) {
+    loadsTrap(springOfStep[0]);
+    for (const osg::Geode* geode : geodesOf(trap())) {
         const auto* drawable = dynamic_cast<const osg::ShapeDrawable*>(geode->getDrawable(0));
         if (!drawable || !dynamic_cast<const osg::Cylinder*>(drawable->getShape()))
             continue;
