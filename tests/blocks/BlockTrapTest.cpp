@@ -495,13 +495,14 @@ TEST_F(BlockTrapTest, DecorationsStandOnTheMiddleOfARamp)
 TEST_F(BlockTrapTest, SpringHasAPlungerOfSteel)
 {
     loadsTrap(springOfStep[0]);
-    for (const osg::Geode* geode : geodesOf(trap())) {
-        const auto* drawable = dynamic_cast<const osg::ShapeDrawable*>(geode->getDrawable(0));
-        if (!drawable || !dynamic_cast<const osg::Cylinder*>(drawable->getShape()))
+    for (const auto* drawable : drawablesOf<osg::ShapeDrawable>(trap())) {
+        if (!dynamic_cast<const osg::Cylinder*>(drawable->getShape()))
             continue;
+        const osg::Uniform* lacquer =
+            drawable->getParent(0)->getStateSet()->getUniform("a_Lacquer");
+        ASSERT_TRUE(lacquer);
         osg::Vec4f steel;
-        ASSERT_TRUE(geode->getStateSet()->getUniform("a_Lacquer"));
-        geode->getStateSet()->getUniform("a_Lacquer")->get(steel);
+        lacquer->get(steel);
         EXPECT_GT(steel.a(), 0.5f) << "little wood is seen through it";
         EXPECT_NEAR(steel.r(), steel.b(), 0.15f) << "and it is grey";
         return;

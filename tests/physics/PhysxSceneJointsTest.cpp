@@ -449,7 +449,7 @@ TEST_F(PhysxSceneJoints, CarryALiftThroughItsHoleOverManyLockedCycles)
     }
 }
 
-TEST_F(PhysxSceneJoints, KeepAPairApartWhoseFirstCannotMoveWhenOneOfThemGoes)
+TEST_F(PhysxSceneJoints, KeepAPairFromCollidingWhoseFirstCannotMoveWhenOneOfThemGoes)
 {
     plane(0);
     ball(1, {0, 0, 2});
